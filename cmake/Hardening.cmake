@@ -1,0 +1,28 @@
+# SPDX-License-Identifier: MIT
+# What protects an operator's machine from a slip in our code, at no cost that a run can measure.
+include(CheckLinkerFlag)
+
+add_library(zvisp_hardening INTERFACE)
+target_compile_options(zvisp_hardening INTERFACE
+  -fstack-protector-strong -fvisibility=hidden
+  $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
+  $<$<CONFIG:Release,RelWithDebInfo>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+
+foreach(flag IN ITEMS -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack)
+  string(MAKE_C_IDENTIFIER "ZVISP_LINKER_HAS${flag}" has_flag)
+  check_linker_flag(CXX ${flag} ${has_flag})
+  if(${has_flag})
+    target_link_options(zvisp_hardening INTERFACE ${flag})
+  endif()
+endforeach()
+
+# The C++ runtime goes into each binary: no search for it at start-up, and a plug-in
+# built with another runtime cannot meet ours.
+add_library(zvisp_static_runtime INTERFACE)
+foreach(flag IN ITEMS -static-libstdc++ -static-libgcc)
+  string(MAKE_C_IDENTIFIER "ZVISP_LINKER_HAS${flag}" has_flag)
+  check_linker_flag(CXX ${flag} ${has_flag})
+  if(${has_flag})
+    target_link_options(zvisp_static_runtime INTERFACE ${flag})
+  endif()
+endforeach()
