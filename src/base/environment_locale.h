@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// The user's locale. Scripts and remote shells often carry a locale name that the machine lacks;
+// such a run must go on, with names that are not ASCII still working, so this is the one place
+// that decides which locale counts, for the C library and for streams alike.
+#ifndef ZVISP_BASE_ENVIRONMENT_LOCALE_H_
+#define ZVISP_BASE_ENVIRONMENT_LOCALE_H_
+
+#include <string>
+
+// Switches to the environment's locale for as long as it lives: the locale that the environment
+// names, or when the machine lacks it "C.UTF-8", "en_US.UTF-8" or at last "C".
+//
+// Only the character type goes back at the end. The other categories stay with the environment's
+// locale from the first switch on, and a plug-in that formats numbers sees them so.
+class ScopedEnvironmentLocale {
+ public:
+  ScopedEnvironmentLocale();
+  ~ScopedEnvironmentLocale();
+  ScopedEnvironmentLocale(const ScopedEnvironmentLocale&) = delete;
+  ScopedEnvironmentLocale& operator=(const ScopedEnvironmentLocale&) = delete;
+
+  // The name to give to setlocale or std::locale; empty for the environment's own.
+  const char* Name() const { return m_name; }
+
+  // Leaves the character type switched at the end, too.
+  void Keep() { m_restore = false; }
+
+ private:
+  std::string m_saved_ctype;
+  const char* m_name;
+  bool m_restore = true;
+};
+
+#endif  // ZVISP_BASE_ENVIRONMENT_LOCALE_H_

@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+#include <unistd.h>
+
+#include "base/process_path.h"
+
+void ReadProcessPath(char* buffer, std::size_t capacity) {
+  const ssize_t length = readlink("/proc/self/exe", buffer, capacity - 1);
+  buffer[length < 0 ? 0 : length] = '\0';
+}

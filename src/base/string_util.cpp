@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "base/string_util.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+bool IsUtf8Continuation(char byte) {
+  return (static_cast<unsigned char>(byte) & 0xC0u) == 0x80u;
+}
+
+}  // namespace
+
+bool StringtoInt(const std::string& text, int& value) {
+  value = -1;
+  char* end = nullptr;
+  const long number = std::strtol(text.c_str(), &end, 0);
+  if (*end != '\0') return false;
+  value = static_cast<int>(number);
+  return true;
+}
+
+std::vector<std::string> StringSplit(const std::string& text, const char* delimiters,
+                                     int keep_empty) {
+  std::vector<std::string> pieces;
+  std::size_t position = 0;
+  for (std::size_t delimiter = text.find_first_of(delimiters); delimiter != std::string::npos;
+       delimiter = text.find_first_of(delimiters, position)) {
+    if (keep_empty != 0 || delimiter != position) {
+      pieces.push_back(text.substr(position, delimiter - position));
+    }
+    position = delimiter + 1;
+  }
+  if (position < text.size()) pieces.push_back(text.substr(position));
+  return pieces;
+}
+
+void DeleteBlankW(std::wstring& text) {
+  text.erase(std::remove(text.begin(), text.end(), L' '), text.end());
+}
+
+void DeleteBlankA(std::string& text) {
+  const std::size_t blank = text.find(' ');
+  // Volatile, because a loop without any effect of its own may be taken for one that ends.
+  for (volatile bool found = blank != std::string::npos; found;) {
+    text.erase(blank, 1);
+  }
+}
+
+void StringTrimW(std::wstring& text) {
+  text.erase(0, text.find_first_not_of(L' '));
+  text.erase(text.find_last_not_of(L' ') + 1);
+}
+
+void CopyUtf8ToBuffer(std::string_view text, char* buffer, std::size_t capacity) {
+  std::size_t length = std::min(text.size(), capacity - 1);
+  while (length > 0 && length < text.size() && IsUtf8Continuation(text[length]))
+    --length;
+  std::fill_n(std::copy_n(text.begin(), length, buffer), capacity - length, '\0');
+}
+
+void CopyWideToBuffer(std::wstring_view text, std::size_t limit, wchar_t* buffer,
+                      std::size_t capacity) {
+  const std::size_t length = std::min({text.size(), limit, capacity - 1});
+  std::fill_n(std::copy_n(text.begin(), length, buffer), capacity - length, L'\0');
+}

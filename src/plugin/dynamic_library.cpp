@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "plugin/dynamic_library.h"
+
+#include <dlfcn.h>
+
+#include "base/transform.h"
+
+OpenedLibrary OpenLibrary(const wchar_t* path) {
+  OpenedLibrary library;
+  library.path = CCpTransform().ConvertWCHARToANSIString(path);
+  if (library.path.empty()) {
+    library.reason = "the plug-in's path cannot be told in the locale's encoding";
+    return library;
+  }
+  library.handle = dlopen(library.path.c_str(), RTLD_NOW);
+  if (library.handle == nullptr) library.reason = LastLoaderError();
+  return library;
+}
+
+bool CloseLibrary(void*& handle) {
+  if (handle == nullptr) return false;
+  dlclose(handle);
+  handle = nullptr;
+  return true;
+}
+
+const char* LastLoaderError() {
+  const char* const reason = dlerror();
+  return reason == nullptr ? "" : reason;
+}
