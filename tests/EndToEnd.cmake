@@ -1,0 +1,46 @@
+# SPDX-License-Identifier: MIT
+# Tests that run the shipped executable with plug-ins of their own beside it.
+set(ZVISP_TEST_PLUGIN_DIR ${CMAKE_BINARY_DIR}/tests/plugins)
+set(test_plugins)
+
+# zvisp_add_test_plugin(<name> SOURCES <files...> [DEFINITIONS <macros...>]): a library that only
+# tests load. It keeps its name, unlike the plug-ins that the tool asks for.
+function(zvisp_add_test_plugin name)
+  cmake_parse_arguments(TEST_PLUGIN "" "" "SOURCES;DEFINITIONS" ${ARGN})
+  zvisp_add_plugin(${name} FILE ${name} DIRECTORY ${ZVISP_TEST_PLUGIN_DIR}
+                   SOURCES ${TEST_PLUGIN_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_compile_definitions(${name} PRIVATE ${TEST_PLUGIN_DEFINITIONS})
+  set(test_plugins ${test_plugins} ${name} PARENT_SCOPE)
+endfunction()
+
+set(recording_isp support/recording_isp_plugin.cpp support/recording_plugin.cpp)
+set(recording_sign support/recording_sign_plugin.cpp support/recording_plugin.cpp)
+zvisp_add_test_plugin(recording_isp SOURCES ${recording_isp})
+zvisp_add_test_plugin(recording_isp_only_required
+  SOURCES ${recording_isp} DEFINITIONS LACKS_OPTIONAL)
+zvisp_add_test_plugin(recording_isp_with_never_bound
+  SOURCES ${recording_isp} DEFINITIONS WITH_NEVER_BOUND)
+foreach(call IN ITEMS IspFlash SetCommInterface RecordFWVersion GetKeyFromFlash SetUIFunction
+                      DumpFlash)
+  zvisp_add_test_plugin(recording_isp_lacks_${call}
+    SOURCES ${recording_isp} DEFINITIONS LACKS_${call})
+endforeach()
+zvisp_add_test_plugin(recording_sign SOURCES ${recording_sign})
+foreach(call IN ITEMS SignFwExport VerifySignatureExport)
+  zvisp_add_test_plugin(recording_sign_lacks_${call}
+    SOURCES ${recording_sign} DEFINITIONS LACKS_${call})
+endforeach()
+
+if(NOT TARGET zvisp)
+  return()
+endif()
+file(GLOB e2e_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/e2e/*_test.cpp)
+add_executable(e2e ${e2e_sources} support/installation.cpp)
+set_target_properties(e2e PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+target_compile_definitions(e2e PRIVATE
+  ZVISP_EXECUTABLE="$<TARGET_FILE:zvisp>" ZVISP_TEST_PLUGIN_DIR="${ZVISP_TEST_PLUGIN_DIR}")
+target_link_libraries(e2e PRIVATE
+  test_support zvisp_warnings GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
+add_dependencies(e2e zvisp ${test_plugins})
+gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 120)
