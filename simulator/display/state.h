@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+//
+// What a display remembers between runs besides its flash.
+#ifndef ZVISP_SIMULATOR_DISPLAY_STATE_H_
+#define ZVISP_SIMULATOR_DISPLAY_STATE_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace simulator {
+
+struct State {
+  std::uint32_t calls = 0;           // plug-in calls that reached the display
+  std::uint32_t resets = 0;          // resets of its MCU
+  std::uint32_t eeprom_version = 0;  // raised by each programming of its e-DP EEPROM
+  bool isp_mode = false;             // put into ISP mode and not reset since
+  std::string recorded_version;      // what the last version recording stored; empty before
+};
+
+// The file's text: one "key = value" line for each field.
+std::string FormatState(const State& state);
+// Reads it back. A line that cannot be read leaves its field at the default, so that a damaged
+// file never locks an operator out of a display.
+State ParseState(std::string_view text);
+
+}  // namespace simulator
+
+#endif  // ZVISP_SIMULATOR_DISPLAY_STATE_H_
