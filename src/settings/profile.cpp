@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "settings/profile.h"
+
+#include <algorithm>
+
+#include "settings/profile_family.h"
+#include "settings/profile_reader.h"
+#include "settings/profile_writer.h"
+
+unsigned int CpZvGetPrivateProfileStringW(const wchar_t* section, const wchar_t* key,
+                                          const wchar_t* default_value, wchar_t* output,
+                                          unsigned int /*output_size*/, const wchar_t* file_name) {
+  return ReadProfileString<WideFamily>(section, key, default_value, output, file_name);
+}
+
+int CpZvGetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int default_value,
+                              const wchar_t* file_name) {
+  return ReadProfileInt<WideFamily>(section, key, default_value, file_name);
+}
+
+int CpZvWritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
+                                   const wchar_t* file_name) {
+  return WriteProfileString<WideFamily>(section, key, value, file_name);
+}
+
+std::wstring ReadProfileText(const wchar_t* section, const wchar_t* key, const wchar_t* file_name,
+                             std::size_t capacity) {
+  wchar_t value[kProfileValueCapacity] = {};
+  CpZvGetPrivateProfileStringW(section, key, L"", value, kProfileValueCapacity, file_name);
+  return std::wstring(value).substr(0, capacity - 1);
+}
+
+unsigned int CpZvGetPrivateProfileStringA(const char* section, const char* key,
+                                          const char* default_value, char* output,
+                                          unsigned int /*output_size*/, const char* file_name) {
+  return ReadProfileString<NarrowFamily>(section, key, default_value, output, file_name);
+}
+
+int CpZvGetPrivateProfileIntA(const char* section, const char* key, int default_value,
+                              const char* file_name) {
+  return ReadProfileInt<NarrowFamily>(section, key, default_value, file_name);
+}
+
+int CpZvWritePrivateProfileStringA(const char* section, const char* key, const char* value,
+                                   const char* file_name) {
+  return WriteProfileString<NarrowFamily>(section, key, value, file_name);
+}

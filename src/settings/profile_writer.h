@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+//
+// The writing half of settings/profile.h, for either family.
+#ifndef ZVISP_SETTINGS_PROFILE_WRITER_H_
+#define ZVISP_SETTINGS_PROFILE_WRITER_H_
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "settings/profile_reader.h"
+
+// Writes a file's lines back with one value set. The lines are held whole, so the file may be
+// truncated once one of these stands; all texts given must outlive it.
+template <typename Family>
+class ProfileRewrite {
+ public:
+  using Text = ProfileText<Family>;
+  using Stream = std::basic_ofstream<typename Family::Char>;
+
+  ProfileRewrite(const typename Family::Char* section, const typename Family::Char* key,
+                 const typename Family::Char* value, const typename Family::Char* file_name)
+      : m_header(ProfileHeader<Family>(section)), m_key(key), m_value(value) {
+    ProfileLines<Family> lines(file_name);
+    for (Text line; lines.Next(line);) {
+      m_lines.push_back(std::move(line));
+    }
+  }
+
+  void WriteTo(Stream& stream) {
+    bool section_found = false;
+    while (m_next < m_lines.size()) {
+      const Text line = TakeLine();
+      WriteLine(stream, line);
+      if (line != m_header) continue;
+      section_found = true;
+      WriteSection(stream);
+    }
+    if (!section_found) WriteLine(stream, m_header);
+    if (!m_key_written) WriteKey(stream);
+  }
+
+ private:
+  static constexpr typename Family::Char kEquals = '=';
+
+  // Goes on behind a header: to the key's line, or to the line that ends the section. That line is
+  // not looked at again, so a header that directly follows opens no section here.
+  void WriteSection(Stream& stream) {
+    while (m_next < m_lines.size()) {
+      const Text line = TakeLine();
+      const std::size_t first_equals = line.find(kEquals);
+      if (first_equals == line.npos) {
+        if (!m_key_written) WriteKey(stream);
+        return WriteLine(stream, line);
+      }
+      if (line.substr(0, first_equals) == m_key) {
+        m_key_written = true;
+        return WriteLine(stream, line.substr(0, line.rfind(kEquals) + 1) + m_value);
+      }
+      WriteLine(stream, line);
+    }
+  }
+
+  Text TakeLine() {
+    Text line = std::move(m_lines[m_next++]);
+    Family::TrimLine(line);
+    return line;
+  }
+
+  void WriteKey(Stream& stream) {
+    m_key_written = true;
+    WriteLine(stream, m_key + kEquals + m_value);
+  }
+
+  // Each line is flushed: a writer that is interrupted leaves whole lines.
+  static void WriteLine(Stream& stream, const Text& line) { stream << line << std::endl; }
+
+  Text m_header;
+  Text m_key;
+  Text m_value;
+  std::vector<Text> m_lines;
+  std::size_t m_next = 0;
+  bool m_key_written = false;
+};
+
+template <typename Family>
+int WriteProfileString(const typename Family::Char* section, const typename Family::Char* key,
+                       const typename Family::Char* value, const typename Family::Char* file_name) {
+  for (const typename Family::Char* const text : {section, key, value}) {
+    // A stream that meets such a text writes nothing from there on: the rest would be lost.
+    if (!Family::CanBeWritten(text)) return 0;
+  }
+  ProfileRewrite<Family> rewrite(section, key, value, file_name);
+  typename ProfileRewrite<Family>::Stream stream;
+  Family::Prepare(stream);
+  stream.open(Family::FileName(file_name), std::ios::out | std::ios::trunc);
+  if (!stream.is_open()) {
+    std::printf("Open file error \n");
+    return 0;
+  }
+  rewrite.WriteTo(stream);
+  return 1;
+}
+
+#endif  // ZVISP_SETTINGS_PROFILE_WRITER_H_
