@@ -26,3 +26,11 @@ foreach(flag IN ITEMS -static-libstdc++ -static-libgcc)
     target_link_options(zvisp_static_runtime INTERFACE ${flag})
   endif()
 endforeach()
+
+if(APPLE)
+  # The implicit declarations of the memory operators overrule -fvisibility; this does not.
+  add_library(zvisp_private_new OBJECT ${CMAKE_CURRENT_LIST_DIR}/macos/private_new.cpp)
+  target_compile_options(zvisp_private_new PRIVATE -fvisibility-global-new-delete=force-hidden)
+  target_link_libraries(zvisp_private_new PRIVATE zvisp_product_warnings zvisp_hardening)
+  target_sources(zvisp_static_runtime INTERFACE $<TARGET_OBJECTS:zvisp_private_new>)
+endif()

@@ -14,7 +14,9 @@ function(zvisp_add_plugin target)
   # gcc marks some symbols of its headers as unique in the process, and the loader then never
   # unloads the library.
   target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
-  if(NOT APPLE)
+  if(APPLE)
+    target_link_options(${target} PRIVATE -Wl,-install_name,@rpath/${PLUGIN_FILE}.dylib)
+  else()
     target_link_options(${target} PRIVATE -Wl,--exclude-libs,ALL)
   endif()
 endfunction()

@@ -1,0 +1,15 @@
+# SPDX-License-Identifier: MIT
+# Builds that watch the program while its tests run. They change every target, third parties'
+# included, so that what one library sees fits what the next one does.
+set(ZVISP_SANITIZE "" CACHE STRING "Sanitizers to build with, such as address,undefined")
+option(ZVISP_COVERAGE "Count the lines and branches that the tests reach" OFF)
+
+if(ZVISP_SANITIZE)
+  add_compile_options(-fsanitize=${ZVISP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${ZVISP_SANITIZE})
+endif()
+
+if(ZVISP_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()

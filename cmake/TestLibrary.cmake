@@ -1,0 +1,11 @@
+# SPDX-License-Identifier: MIT
+# GoogleTest: the installed one, or built from its sources where it must share the standard library
+# of the build.
+set(ZVISP_GTEST_SOURCE "" CACHE PATH "Sources of GoogleTest, instead of the installed library")
+
+if(ZVISP_GTEST_SOURCE)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory(${ZVISP_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+else()
+  find_package(GTest REQUIRED)
+endif()
