@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+//
+// The dispatcher: loads the plug-ins, checks signatures, programs the boot code, and calls the one
+// export that belongs to the action.
+#ifndef ZVISP_APP_EXECUTE_PROCESS_H_
+#define ZVISP_APP_EXECUTE_PROCESS_H_
+
+#include <cstdint>
+
+#include "base/zv_string.h"
+#include "plugin/command_setting.h"
+#include "plugin/digital_sign_args.h"
+#include "plugin/sign_verify_plugin.h"
+
+// Result codes of the tool itself; 0 is success, and codes of the plug-ins pass through unchanged.
+inline constexpr std::uint32_t kIspPluginNotLoaded = 3431;  // 0xD67
+inline constexpr std::uint32_t kRecordNotAllocated = 3433;  // 0xD69
+inline constexpr std::uint32_t kNoHubDevice = 11021;        // 0x2B0D
+
+// The records of the run that is under way; null outside of a run. Owned by main.
+extern STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* g_pstISPSetting;
+extern STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* g_pstDigitalSignArgs;
+
+// Callbacks for the ISP plug-in. This tool leaves them null; a host with a user interface sets
+// them before ExecuteProcess.
+extern void (*g_funcReturnProg)(int percent);
+extern void (*g_funcShowMsg)(wchar_t* message);
+extern void* (*g_funcZvGetHubDev)();
+
+// Runs the action of `setting` and returns its result code. The plug-in names are relative to the
+// executable's directory; `device` is handed to the ISP plug-in and may be null. Prints what the
+// plug-in loaders print, and "Get Key From Flash ...\n" before it reads a key from the device.
+// A run that ends early leaves its plug-ins loaded until the process ends.
+std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
+                             STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs, CCpZvString& ispPlugIn,
+                             CCpZvString& signPlugIn, void* device);
+
+// Loads the signature plug-in from plugInPath; the directory is not used. Returns 0, or 16388
+// after the loader's message.
+std::uint32_t LoadSignVerfiyDll(CCpSignVerify& signVerify, CCpZvString directory,
+                                CCpZvString plugInPath);
+
+#endif  // ZVISP_APP_EXECUTE_PROCESS_H_

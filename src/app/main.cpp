@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+//
+// One run of the tool: parse, banner, records, execute, report, free.
+#include <cstdio>
+
+#include "app/banner.h"
+#include "app/execute_process.h"
+#include "app/standard_streams.h"
+#include "cmdline/isp_args_parse.h"
+#include "plugin/zeroed.h"
+
+namespace {
+
+std::uint32_t ExecuteWithHeapRecords(const CCpIspArgsParse& parser) {
+  const auto setting = MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>();
+  const auto sign_args = MakeZeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS>();
+  if (setting == nullptr || sign_args == nullptr) {
+    ShowResult(CP_ISPTOOL_ACTION_UNDEFINED, kRecordNotAllocated);
+    return kRecordNotAllocated;
+  }
+  g_pstISPSetting = setting.get();
+  g_pstDigitalSignArgs = sign_args.get();
+  CopyBytes(*g_pstISPSetting, parser.GetISPCmdSetting());
+  CopyBytes(*g_pstDigitalSignArgs, parser.GetDigitalSignArgs());
+  CCpZvString isp_plugin(L"PlugIn/libIsp.dylib");
+  CCpZvString sign_plugin(L"libSignVerify.dylib");
+  const std::uint32_t result =
+      ExecuteProcess(g_pstISPSetting, g_pstDigitalSignArgs, isp_plugin, sign_plugin, nullptr);
+  // Asked of the record, because a plug-in may have changed it.
+  ShowResult(g_pstISPSetting->enumActionType, result);
+  g_pstISPSetting = nullptr;
+  g_pstDigitalSignArgs = nullptr;
+  return result;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  PrepareStandardStreams();
+  CCpIspArgsParse parser;
+  if (parser.ParseArgs(argc, argv) == 0) {
+    std::printf("argument is illegal.\n");
+    return 0;
+  }
+  ShowToolVersion();
+  return static_cast<int>(ExecuteWithHeapRecords(parser));
+}

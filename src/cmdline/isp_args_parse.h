@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+//
+// CCpIspArgsParse: from the words of the command line to the two records of a run.
+//
+// ParseArgs scans the words (isp_args_parse.cpp), JudgeArgument checks them and fills the records
+// (isp_args_judge.cpp), one reader function per option value (isp_args_values.cpp). What concerns
+// firmware is done in firmware/; the members of those names forward to it.
+//
+// Every operation that returns int returns 1 for success and 0 for a refusal, after printing its
+// one-line reason on standard output where it has one. After a refusal the records may be partly
+// filled and must not be used.
+#ifndef ZVISP_CMDLINE_ISP_ARGS_PARSE_H_
+#define ZVISP_CMDLINE_ISP_ARGS_PARSE_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "base/transform.h"
+#include "cmdline/isp_cmd_args.h"
+#include "firmware/bank_map.h"
+#include "firmware/firmware_search.h"
+#include "plugin/command_setting.h"
+#include "plugin/digital_sign_args.h"
+#include "plugin/zeroed.h"
+
+class CCpIspArgsParse {
+ public:
+  // Scans and judges a command line. Words that are not options are listed and passed over; a
+  // word that the scanner cannot read is reported and skipped.
+  int ParseArgs(int argc, char** argv);
+
+  // Judges the raw arguments and fills both records. For signing and verifying with a signature
+  // type, the verdict of the signature-argument validator is the result.
+  int JudgeArgument(STRUCT_CP_ISP_CMD_ARGS args);
+
+  // The judged records, owned by the parser.
+  const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& GetISPCmdSetting() const { return *m_setting; }
+  void SetISPCmdSetting(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting);
+  const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS& GetDigitalSignArgs() const { return *m_sign_args; }
+
+  // The directory (UTF-8, ending in "/") against which firmware and key names are resolved and
+  // which the searches list. Empty, as it starts, it means the working directory.
+  std::string GetCurrentDir() const { return m_current_dir; }
+  void SetCurrentDir(const std::string& directory) { m_current_dir = directory; }
+
+  // The firmware slots and the bank map; see firmware/firmware_slots.h.
+  int InsertCommandFwFile(unsigned int slot, const std::string& path);
+  int InsertCommandStartBank(unsigned int slot, const std::string& text);
+  int GetFwBankCount(std::string& path, unsigned int& banks) const;
+  int JudgeFwMap(FwBankMap& bankMap) const;
+
+  // The firmware searches; see firmware/firmware_search.h.
+  void FindFile(const std::string& dir, FileNames& out, const std::string& ext) const;
+  int GetBinNameFromPrefixSetting(std::string& fwName, const std::string& settingFile);
+  int GetUserDefinedInfoFromTxt(STRUCT_CP_GET_USER_DEFINED_BIN_INFO& info) const;
+  int GetUserDefinedBinNameFromTxt(std::string& fwName) const;
+  int FindBinUseVersionInfo(FileNames& out, const FileNames& candidates,
+                            ENUM_FIND_BIN_MODE_USE_VER_MODE& mode,
+                            const std::string& version) const;
+
+  // 1 when exactly one bit is set.
+  static int JudgeUniqueAttribute(std::uint32_t bits);
+
+  // Option bits to the numbers of the records; bits without a number give 0.
+  static void GetActionType(std::uint32_t bits, std::uint32_t& enumActionType);
+  static void GetDigitalSignatureType(std::uint32_t bits, std::uint32_t& enumSignatureType);
+  static void GetMergeFwInfoType(std::uint32_t bits, std::uint32_t& enumMergeFwInfoType);
+  // Reads the user-defined text for the bit of --userdefined.
+  static int GetVersionType(std::uint32_t bits, const std::string& user_defined,
+                            std::uint32_t& enumVersionLocationType,
+                            std::uint32_t& enumUserDefinedVersionType);
+
+  // Option texts to values. Empty text is accepted where the option may be left out.
+  static int GetCommID(const std::string& text, std::uint32_t& enumCommID);
+  static int GetSlaveAddress(const std::string& text, std::int32_t& bAutoSlaveAddr,
+                             std::uint8_t& ucSlaveAddr);
+  static int GetDigitalSignatureSwMode(const std::string& text, std::uint32_t& enumSwMode);
+  static int GetDigitalSignatureHwMode(const std::string& text, std::uint32_t& enumHwMode);
+  static int GetUserFlag(const std::string& address, const std::string& data,
+                         STRUCT_FLAG_SETTING& flag);
+  static int GetReadVersionFromFlashSetting(const STRUCT_CP_ISP_CMD_ARGS& args,
+                                            STRUCT_READ_VERSION_FROM_FLASH_SETTING& setting);
+  static int GetDumpFlashSetting(const STRUCT_CP_ISP_CMD_ARGS& args,
+                                 STRUCT_DUMP_FLASH_SETTING& dump);
+  static int GetMergeFwInfoCmd(const std::string& text, STRUCT_MERGE_FW_INFO_SETTING& merge);
+  static int GetI2CWriteActionTypeSetting(const STRUCT_CP_ISP_CMD_ARGS& args,
+                                          STRUCT_I2C_WRITE_ACTION_TYPE_SETTING& i2c);
+  // At least three bytes, separated by commas.
+  static int GetI2CCmdFromString(const std::string& text, std::vector<std::uint8_t>& bytes);
+
+ private:
+  // The steps of JudgeArgument.
+  int JudgeAction(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int JudgeMergeFwInfo(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int JudgeDigitalSignature(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int JudgeSignatureTypeAndMode(const STRUCT_CP_ISP_CMD_ARGS& args);
+  void CopySignatureTexts(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int ValidateSignatureArguments();
+  int JudgeVersionLocation(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int JudgeCommunication(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int JudgeFirmware(const STRUCT_CP_ISP_CMD_ARGS& args);
+  int JudgeActionParameters(const STRUCT_CP_ISP_CMD_ARGS& args);
+
+  std::string m_current_dir;
+  FwBankMap m_slots;
+  CCpTransform m_transform;
+  Zeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting;
+  Zeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> m_sign_args;
+};
+
+#endif  // ZVISP_CMDLINE_ISP_ARGS_PARSE_H_

@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: MIT
+//
+// The readers of single option values.
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+#include "base/string_util.h"
+#include "base/transform.h"
+#include "cmdline/isp_args_parse.h"
+
+namespace {
+
+constexpr std::uint32_t kUserDefinedBit = 0x80;
+constexpr std::uint32_t kCountMask = 0xFF;
+constexpr std::uint64_t kMaxVersionEnd = 0xFFFFFF;
+constexpr std::uint32_t kMaxTotalVersionLength = 256;
+constexpr std::size_t kMinI2cBytes = 3;
+constexpr std::size_t kMaxI2cBytes = 258;
+constexpr std::uint8_t kDdcciLengthMask = 0x7F;
+
+// A bit of the command line and the number that it means in the record.
+struct BitRow {
+  std::uint32_t bit;
+  std::uint32_t number;
+};
+
+// The bit of --factoryisp, 0x10000, is missing on purpose: that option alone is refused.
+// clang-format off
+constexpr BitRow kActionTypes[] = {
+  // bit      number
+  {0x1,       CP_ISPTOOL_ACTION_VERIFY},
+  {0x2,       CP_ISPTOOL_ACTION_SIGN},
+  {0x4,       CP_ISPTOOL_ACTION_ERASE},
+  {0x8,       CP_ISPTOOL_ACTION_ISP},
+  {0x10,      CP_ISPTOOL_ACTION_ISP_USER},
+  {0x20,      CP_ISPTOOL_ACTION_ISP_DIFF},
+  {0x40,      CP_ISPTOOL_ACTION_ISP_COPY},
+  {0x80,      CP_ISPTOOL_ACTION_RECORD_VERSION},
+  {0x100,     CP_ISPTOOL_ACTION_SR_STATUS},
+  {0x200,     CP_ISPTOOL_ACTION_FLASH_TYPE},
+  {0x400,     CP_ISPTOOL_ACTION_READ_SR},
+  {0x800,     CP_ISPTOOL_ACTION_WRITE_SR},
+  {0x1000,    CP_ISPTOOL_ACTION_READ_SAFEGUARD},
+  {0x2000,    CP_ISPTOOL_ACTION_WRITE_SAFEGUARD},
+  {0x4000,    CP_ISPTOOL_ACTION_RESET_MCU},
+  {0x8000,    CP_ISPTOOL_ACTION_DUMP_FLASH},
+  {0x20000,   CP_ISPTOOL_ACTION_GET_STATUS},
+  {0x40000,   CP_ISPTOOL_ACTION_USER_DEFINED_INFO},
+  {0x80000,   CP_ISPTOOL_ACTION_EDP_ISP},
+  {0x100000,  CP_ISPTOOL_ACTION_ENTER_ISP_MODE},
+  {0x200000,  CP_ISPTOOL_ACTION_MERGE_FW_INFO},
+  {0x400000,  CP_ISPTOOL_ACTION_SEND_USER_DEFINED_INFO},
+  {0x800000,  CP_ISPTOOL_ACTION_I2C_WRITE},
+  {0x1000000, CP_ISPTOOL_ACTION_GET_SCALER_TYPE},
+};
+
+constexpr BitRow kSignatureTypes[] = {
+  // bit  number
+  {0x1,   CP_DIGITAL_SIGNATURE_SW},
+  {0x2,   CP_DIGITAL_SIGNATURE_HW},
+};
+
+constexpr BitRow kVersionTypes[] = {
+  // bit            number
+  {0x1,             VERSION_LOCATION_REG},
+  {0x2,             VERSION_LOCATION_DDCCI},
+  {0x4,             VERSION_LOCATION_FLASH},
+  {0x8,             VERSION_LOCATION_FW_BIN},
+  {0x10,            VERSION_LOCATION_CMD},
+  {0x20,            VERSION_LOCATION_FW_BIN_CMD},
+  {0x40,            VERSION_LOCATION_COPY_DIFFER},
+  {kUserDefinedBit, VERSION_LOCATION_USER_DEFINED},
+};
+
+constexpr BitRow kMergeFwInfoTypes[] = {
+  // bit  number
+  {0x2,   CP_MERGE_FW_INFO_WRITE},
+};
+// clang-format on
+
+template <std::size_t kRows>
+std::uint32_t NumberOfBit(const BitRow (&table)[kRows], std::uint32_t bits) {
+  const auto row = std::find_if(std::begin(table), std::end(table),
+                                [bits](const BitRow& candidate) { return candidate.bit == bits; });
+  return row == std::end(table) ? 0 : row->number;
+}
+
+bool IsWithin(int value, int low, int high) {
+  return low <= value && value <= high;
+}
+
+// Reads a number that is kept by its 32 bits, so that 0x80000000 and above stay what they are.
+bool ReadWord(const std::string& text, std::uint32_t& word) {
+  int value = 0;
+  if (!StringtoInt(text, value)) return false;
+  word = static_cast<std::uint32_t>(value);
+  return true;
+}
+
+// Reads the pieces of a list, empty ones left out, as bytes; false at the first that is none.
+bool ReadBytes(const std::string& text, const char* delimiter, std::vector<std::uint8_t>& bytes) {
+  for (const std::string& piece : StringSplit(text, delimiter, 0)) {
+    int value = 0;
+    if (!StringtoInt(piece, value) || !IsWithin(value, 0, 0xFF)) return false;
+    bytes.push_back(static_cast<std::uint8_t>(value));
+  }
+  return true;
+}
+
+int ReadSignatureMode(const std::string& text, int highest, std::uint32_t& mode) {
+  if (text.empty()) return 1;
+  int value = 0;
+  if (!StringtoInt(text, value)) {
+    std::printf("Parameter illegal! --dsmode %s \n", text.c_str());
+    return 0;
+  }
+  if (!IsWithin(value, 1, highest)) {
+    std::printf("Parameter out of range! --dsmode %s \n", text.c_str());
+    return 0;
+  }
+  mode = static_cast<std::uint32_t>(value);
+  return 1;
+}
+
+std::uint32_t ReadRecordVersionMode(const std::string& text) {
+  int mode = 0;
+  if (text.empty() || !StringtoInt(text, mode) || !IsWithin(mode, 0, 1)) return 2;
+  return static_cast<std::uint32_t>(mode);
+}
+
+bool IsVersionPlaceLegal(const STRUCT_READ_VERSION_FROM_FLASH_SETTING& setting) {
+  const std::uint64_t parts = std::uint64_t{setting.ulMajorVerLen} + setting.ulSubVerLen;
+  const std::uint64_t end = std::uint64_t{setting.ulVerAddr} + setting.ulTotalVerLen;
+  return setting.ulTotalVerLen <= kMaxTotalVersionLength && parts <= setting.ulTotalVerLen &&
+         setting.ulMajorVerLen != 0 && end <= kMaxVersionEnd;
+}
+
+bool IsBinName(const std::string& name) {
+  return name.size() >= 5 && name.compare(name.size() - 4, 4, ".bin") == 0;
+}
+
+}  // namespace
+
+int CCpIspArgsParse::JudgeUniqueAttribute(std::uint32_t bits) {
+  int count = 0;
+  for (; bits != 0; bits &= bits - 1)
+    ++count;
+  return count == 1 ? 1 : 0;
+}
+
+void CCpIspArgsParse::GetActionType(std::uint32_t bits, std::uint32_t& enumActionType) {
+  enumActionType = NumberOfBit(kActionTypes, bits);
+}
+
+void CCpIspArgsParse::GetDigitalSignatureType(std::uint32_t bits,
+                                              std::uint32_t& enumSignatureType) {
+  enumSignatureType = NumberOfBit(kSignatureTypes, bits);
+}
+
+void CCpIspArgsParse::GetMergeFwInfoType(std::uint32_t bits, std::uint32_t& enumMergeFwInfoType) {
+  enumMergeFwInfoType = NumberOfBit(kMergeFwInfoTypes, bits);
+}
+
+int CCpIspArgsParse::GetVersionType(std::uint32_t bits, const std::string& user_defined,
+                                    std::uint32_t& enumVersionLocationType,
+                                    std::uint32_t& enumUserDefinedVersionType) {
+  enumVersionLocationType = NumberOfBit(kVersionTypes, bits);
+  if (bits != kUserDefinedBit) return 1;
+  int version = 0;
+  if (!StringtoInt(user_defined, version)) {
+    std::printf("User defined version mode illegal, mode is: %s\n", user_defined.c_str());
+    return 0;
+  }
+  if (!IsWithin(version, USER_DEFINED_VERSION_1, USER_DEFINED_VERSION_3)) {
+    std::printf("Get user defined version mode fail, mode is: %s\n", user_defined.c_str());
+    return 0;
+  }
+  enumUserDefinedVersionType = static_cast<std::uint32_t>(version);
+  return 1;
+}
+
+int CCpIspArgsParse::GetCommID(const std::string& text, std::uint32_t& enumCommID) {
+  enumCommID = 0;
+  if (text.empty()) return 1;
+  int comm = 0;
+  if (!StringtoInt(text, comm)) {
+    std::printf("Parameter illegal! --comm %s \n", text.c_str());
+    return 0;
+  }
+  if (!IsWithin(comm, 1, 16)) {
+    // Without the blank of its neighbours: scripts match this text.
+    std::printf("Parameter out of range! --comm %s\n", text.c_str());
+    return 0;
+  }
+  enumCommID = static_cast<std::uint32_t>(comm);
+  return 1;
+}
+
+int CCpIspArgsParse::GetSlaveAddress(const std::string& text, std::int32_t& bAutoSlaveAddr,
+                                     std::uint8_t& ucSlaveAddr) {
+  bAutoSlaveAddr = 1;
+  ucSlaveAddr = 0;
+  if (text.empty()) return 1;
+  int slave = 0;
+  if (!StringtoInt(text, slave)) {
+    std::printf("Parameter illegal! --slave %s \n", text.c_str());
+    return 0;
+  }
+  if (slave == 0) return 1;
+  bAutoSlaveAddr = 0;
+  if (!IsWithin(slave, 1, 254)) {
+    std::printf("Parameter out of range! --slave %s \n", text.c_str());
+    return 0;
+  }
+  ucSlaveAddr = static_cast<std::uint8_t>(slave);
+  return 1;
+}
+
+int CCpIspArgsParse::GetDigitalSignatureSwMode(const std::string& text, std::uint32_t& enumSwMode) {
+  return ReadSignatureMode(text, 4, enumSwMode);
+}
+
+int CCpIspArgsParse::GetDigitalSignatureHwMode(const std::string& text, std::uint32_t& enumHwMode) {
+  return ReadSignatureMode(text, 2, enumHwMode);
+}
+
+int CCpIspArgsParse::GetUserFlag(const std::string& address, const std::string& data,
+                                 STRUCT_FLAG_SETTING& flag) {
+  if (address.empty()) return 1;
+  if (!ReadWord(address, flag.ulFlagAddr)) {
+    std::printf("Parameter illegal! --flagaddr %s \n", address.c_str());
+    return 0;
+  }
+  std::vector<std::uint8_t> bytes;
+  if (!ReadBytes(data, ",", bytes)) {
+    std::printf("Parameter illegal! --flagdata %s \n", data.c_str());
+    return 0;
+  }
+  // The length is kept by its low 8 bits, so it can never be found too large; what does not fit
+  // is left out instead.
+  flag.ulFlagLength = static_cast<std::uint32_t>(bytes.size()) & kCountMask;
+  bytes.resize(kUserFlagCapacity, 0xFF);
+  std::copy(bytes.begin(), bytes.end(), flag.ucFlagData);
+  return 1;
+}
+
+int CCpIspArgsParse::GetReadVersionFromFlashSetting(
+    const STRUCT_CP_ISP_CMD_ARGS& args, STRUCT_READ_VERSION_FROM_FLASH_SETTING& setting) {
+  const bool has_address = !args.strVerAddr.empty();
+  const bool has_total = !args.strTotalVerLen.empty();
+  const bool has_major = !args.strMajorVerLen.empty();
+  const bool has_sub = !args.strSubVerLen.empty();
+  if (!has_address && !has_total && !has_major && !has_sub) return 1;
+  if (!has_address || !has_total || !has_major) return 0;
+  if (!ReadWord(args.strVerAddr, setting.ulVerAddr) ||
+      !ReadWord(args.strTotalVerLen, setting.ulTotalVerLen) ||
+      !ReadWord(args.strMajorVerLen, setting.ulMajorVerLen)) {
+    return 0;
+  }
+  setting.ulSubVerLen = 0;
+  if (has_sub && !ReadWord(args.strSubVerLen, setting.ulSubVerLen)) return 0;
+  setting.enumRecordVerMode = ReadRecordVersionMode(args.strRecordVerMode);
+  return IsVersionPlaceLegal(setting) ? 1 : 0;
+}
+
+int CCpIspArgsParse::GetDumpFlashSetting(const STRUCT_CP_ISP_CMD_ARGS& args,
+                                         STRUCT_DUMP_FLASH_SETTING& dump) {
+  if (args.strDumpAddr.empty() && args.strDumpLen.empty()) return 0;
+  if (!ReadWord(args.strDumpAddr, dump.ulDumpAddr)) return 0;
+  if (!ReadWord(args.strDumpLen, dump.ulDumpLen) || dump.ulDumpLen == 0) return 0;
+  const std::string name = IsBinName(args.strDumpName) ? args.strDumpName : "dumpFile.bin";
+  CopyWideToBuffer(CCpTransform().ConvertUTF8StringToUnicode(name), kPathCapacity, dump.wszDumpFile,
+                   kPathCapacity);
+  return 1;
+}
+
+int CCpIspArgsParse::GetMergeFwInfoCmd(const std::string& text,
+                                       STRUCT_MERGE_FW_INFO_SETTING& merge) {
+  if (text.empty()) return 1;
+  std::vector<std::uint8_t> bytes;
+  const bool are_bytes = ReadBytes(text, ".", bytes);
+  if (are_bytes && bytes.size() > kMergeFwInfoCapacity) {
+    std::printf("Input Flag Length: 0x%zx ,Max Flag Count: 0x%x", bytes.size(),
+                static_cast<unsigned int>(kMergeFwInfoCapacity));
+  }
+  if (!are_bytes || bytes.size() > kMergeFwInfoCapacity) {
+    std::printf("Parameter illegal! --MergeFw --write %s \n", text.c_str());
+    return 0;
+  }
+  merge.ulLength = static_cast<std::uint32_t>(bytes.size()) & kCountMask;
+  bytes.resize(kMergeFwInfoCapacity, 0);
+  std::copy(bytes.begin(), bytes.end(), merge.ucData);
+  return 1;
+}
+
+int CCpIspArgsParse::GetI2CCmdFromString(const std::string& text,
+                                         std::vector<std::uint8_t>& bytes) {
+  return ReadBytes(text, ",", bytes) && bytes.size() >= kMinI2cBytes ? 1 : 0;
+}
+
+int CCpIspArgsParse::GetI2CWriteActionTypeSetting(const STRUCT_CP_ISP_CMD_ARGS& args,
+                                                  STRUCT_I2C_WRITE_ACTION_TYPE_SETTING& i2c) {
+  std::vector<std::uint8_t> bytes;
+  if (GetI2CCmdFromString(args.strWriteData, bytes) == 0 || bytes.size() > kMaxI2cBytes) return 0;
+  i2c.bDdcciCmd = static_cast<std::uint32_t>(args.bDdcciCmd);
+  i2c.ucSlave = bytes[0];
+  i2c.ucSubAddr = bytes[1];
+  const std::size_t header = i2c.bDdcciCmd != 0 ? 3 : 2;
+  const std::size_t data_length = bytes.size() - header;
+  // 256 bytes of data are kept by the low 8 bits of their count, like every count here.
+  i2c.ucDataLen = static_cast<std::uint8_t>(data_length);
+  if (i2c.bDdcciCmd != 0) {
+    i2c.ucDataLen = bytes[2] & kDdcciLengthMask;
+    if (i2c.ucDataLen != data_length) return 0;
+  }
+  std::copy(bytes.begin() + static_cast<std::ptrdiff_t>(header), bytes.end(), i2c.ucData);
+  return 1;
+}
