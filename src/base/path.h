@@ -19,7 +19,8 @@ CCpZvString GetCurrentProcessDir(void* address);
 // then: usually the path up to the first name that does not exist.
 std::string GetAbsolutePath(const std::string& path);
 
-// True for "/x", "C:\x" and "C://x"-like paths.
+// True when the first "/" leads the path, or the first ":\" or "://" follows one character: "/x",
+// "C:\x", "C://x". Everything else, the empty path included, is relative.
 bool IsAbsolutePath(const std::string& path);
 
 // The path itself when it is absolute, else the resolved join of base and path. The join puts no

@@ -53,9 +53,11 @@ std::vector<char> NarrowInEnvironmentLocale(const wchar_t* text) {
   return narrow;
 }
 
-// Reads locale text into at most `room` wide units; empty when it cannot be converted.
+// Reads locale text into at most `room` wide units; empty when it cannot be converted or when the
+// room is that of a failed measurement, which leaves the other categories switched all the same.
 std::wstring WidenInEnvironmentLocale(const char* text, std::size_t room) {
   const ScopedEnvironmentLocale environment;
+  if (room == kConversionFailed) return {};
   std::vector<wchar_t> wide(room + 1);
   std::mbstate_t state = {};
   const std::size_t converted = std::mbsrtowcs(wide.data(), &text, room, &state);
@@ -116,9 +118,7 @@ char* CCpTransform::ConvertWCHARToCHAR(const wchar_t* text) const {
 std::wstring CCpTransform::ConvertANSIStringToUnicode(const std::string& text) const {
   std::mbstate_t state = {};
   const char* from = text.c_str();
-  const std::size_t length = std::mbsrtowcs(nullptr, &from, 0, &state);
-  if (length == kConversionFailed) return {};
-  return WidenInEnvironmentLocale(text.c_str(), length);
+  return WidenInEnvironmentLocale(text.c_str(), std::mbsrtowcs(nullptr, &from, 0, &state));
 }
 
 std::wstring CCpTransform::ConvertCHARToUnicodeString(const char* text) const {
