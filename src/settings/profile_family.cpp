@@ -16,22 +16,25 @@ namespace {
 using Codec = std::codecvt<wchar_t, char, std::mbstate_t>;
 
 // The encoding of a named locale, which remembers how its last reading ended: at the end of a file
-// anything but success means that the file ended in bytes that are no text.
+// anything but whole characters means that the file ended in bytes that are no text.
 class RememberingCodec final : public std::codecvt_byname<wchar_t, char, std::mbstate_t> {
  public:
   explicit RememberingCodec(const char* name) : codecvt_byname(name) {}
-  bool Succeeded() const { return m_last == ok; }
+  bool Succeeded() const { return m_succeeded; }
 
  protected:
   result do_in(std::mbstate_t& state, const char* from, const char* from_end,
                const char*& from_next, wchar_t* to, wchar_t* to_end,
                wchar_t*& to_next) const override {
-    m_last = codecvt_byname::do_in(state, from, from_end, from_next, to, to_end, to_next);
-    return m_last;
+    const result last =
+        codecvt_byname::do_in(state, from, from_end, from_next, to, to_end, to_next);
+    // The first bytes of a character may count as read, and are then kept in the state.
+    m_succeeded = last == ok && std::mbsinit(&state) != 0;
+    return last;
   }
 
  private:
-  mutable result m_last = ok;
+  mutable bool m_succeeded = true;
 };
 
 // Owned by the locale it is put into.
