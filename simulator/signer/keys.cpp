@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "signer/keys.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <sys/stat.h>
+
+#include "plugin/digital_sign_args.h"
+#include "signer/input_file.h"
+#include "signer/pem.h"
+#include "signer/report.h"
+
+namespace signer {
+namespace {
+
+using namespace std::string_view_literals;
+
+// What stands before the 32 bytes in the DER form of a private and of a public Ed25519 key. Taking
+// these alone, instead of parsing, leaves one form for each key.
+constexpr std::string_view kPrivatePrefix =
+    "\x30\x2e\x02\x01\x00\x30\x05\x06\x03\x2b\x65\x70\x04\x22\x04\x20"sv;
+constexpr std::string_view kPublicPrefix = "\x30\x2a\x30\x05\x06\x03\x2b\x65\x70\x03\x21\x00"sv;
+
+struct FreeContext {
+  void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+};
+using ContextHandle = std::unique_ptr<EVP_MD_CTX, FreeContext>;
+
+// The 32 bytes of a key in DER; null, after printing why, when it is no Ed25519 key.
+const unsigned char* KeyBytesOf(const char* role, const WipedBytes& der, std::string_view prefix) {
+  if (der.Size() == prefix.size() + kKeyBytes && der.Text().substr(0, prefix.size()) == prefix) {
+    return der.Data() + prefix.size();
+  }
+  Refuse("the %s is a key of another kind, not Ed25519", role);
+  return nullptr;
+}
+
+void WarnIfOthersMayRead(const char* role, const std::string& path, mode_t mode) {
+  if ((mode & (S_IRGRP | S_IROTH)) == 0) return;
+  Note("warning: others may read the %s file: %s has mode %04o, a private key should have 0600",
+       role, path.c_str(), static_cast<unsigned>(mode));
+}
+
+bool DecodeVerifyKey(const char* role, std::string_view text, VerifyKey& key) {
+  WipedBytes der;
+  if (!DecodePem(role, text, "PUBLIC KEY", der)) return false;
+  const unsigned char* const bytes = KeyBytesOf(role, der, kPublicPrefix);
+  if (bytes == nullptr) return false;
+  std::copy_n(bytes, kKeyBytes, key.begin());
+  return true;
+}
+
+}  // namespace
+
+bool ReadSignKey(const char* role, const std::string& path, KeyHandle& key) {
+  InputFile file(role, path);
+  if (!file.Open(kSmallFileLimit)) return false;
+  WarnIfOthersMayRead(role, path, file.Mode());
+  WipedBytes text(file.Size());
+  WipedBytes der;
+  if (!file.ReadInto(text.Data()) || !DecodePem(role, text.Text(), "PRIVATE KEY", der)) {
+    return false;
+  }
+  const unsigned char* const seed = KeyBytesOf(role, der, kPrivatePrefix);
+  if (seed == nullptr) return false;
+  key = SignKeyFromSeed(seed);
+  return key != nullptr || Refuse("the %s cannot be used", role);
+}
+
+bool ReadVerifyKey(const char* role, const std::string& path, VerifyKey& key) {
+  WipedBytes text;
+  return ReadSmallFile(role, path, text) && DecodeVerifyKey(role, text.Text(), key);
+}
+
+bool ReadDeviceKey(const char* bytes, VerifyKey& key) {
+  const char* const end = bytes + kDeviceKeyCapacity;
+  const char* const text_end = std::find(bytes, end, '\0');
+  if (std::any_of(text_end, end, [](char byte) { return byte != '\0'; })) {
+    return Refuse("the verify key of the device has something behind its end");
+  }
+  return DecodeVerifyKey("verify key of the device",
+                         std::string_view(bytes, static_cast<std::size_t>(text_end - bytes)), key);
+}
+
+KeyHandle SignKeyFromSeed(const unsigned char* seed) {
+  return KeyHandle(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, seed, kKeyBytes));
+}
+
+KeyHandle HandleOf(const VerifyKey& key) {
+  return KeyHandle(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, key.data(), key.size()));
+}
+
+bool VerifyKeyOf(const EVP_PKEY* key, VerifyKey& verify_key) {
+  std::size_t size = verify_key.size();
+  return EVP_PKEY_is_a(key, "ED25519") == 1 &&
+         EVP_PKEY_get_raw_public_key(key, verify_key.data(), &size) == 1 &&
+         size == verify_key.size();
+}
+
+bool Sign(EVP_PKEY* key, const WipedBytes& message, SignatureValue& signature) {
+  const ContextHandle context(EVP_MD_CTX_new());
+  std::size_t size = signature.size();
+  if (context != nullptr &&
+      EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, key) == 1 &&
+      EVP_DigestSign(context.get(), signature.data(), &size, message.Data(), message.Size()) == 1 &&
+      size == signature.size()) {
+    return true;
+  }
+  return Refuse("signing failed in libcrypto");
+}
+
+bool IsGenuine(const VerifyKey& key, const WipedBytes& message, const SignatureValue& signature) {
+  const ContextHandle context(EVP_MD_CTX_new());
+  const KeyHandle handle = HandleOf(key);
+  if (context != nullptr && handle != nullptr &&
+      EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, handle.get()) == 1 &&
+      EVP_DigestVerify(context.get(), signature.data(), signature.size(), message.Data(),
+                       message.Size()) == 1) {
+    return true;
+  }
+  return Refuse("the signature does not belong to this firmware and this key");
+}
+
+}  // namespace signer

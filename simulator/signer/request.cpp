@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: MIT
+#include "signer/request.h"
+
+#include <string.h>
+
+#include <string>
+
+#include "signer/certificate.h"
+#include "signer/keys.h"
+#include "signer/message.h"
+#include "signer/output_file.h"
+#include "signer/report.h"
+#include "signer/signature_file.h"
+#include "signer/training_keys.h"
+
+namespace signer {
+namespace {
+
+using Args = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
+
+constexpr char kSignKey[] = "sign key";
+constexpr char kVerifyKey[] = "verify key";
+constexpr char kNextVerifyKey[] = "next verify key";
+
+std::string TextOf(const char (&field)[kSignTextCapacity]) {
+  return std::string(field, strnlen(field, sizeof field));
+}
+
+bool IsHardware(const Args& args) {
+  return args.enumSignatureType == CP_DIGITAL_SIGNATURE_HW;
+}
+
+bool IsNextKeyMode(const Args& args) {
+  return args.enumSwMode == CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_NEXT_KEY;
+}
+
+bool RefuseType(const Args& args) {
+  return Refuse("signature type %u is neither software nor hardware", args.enumSignatureType);
+}
+
+bool RefuseMode(const Args& args) {
+  return Refuse("software mode %u is none of 1 to 4", args.enumSwMode);
+}
+
+bool ChooseSoftwareSignKey(const Args& args, KeyHandle& key) {
+  switch (args.enumSwMode) {
+    case CP_DIGITAL_SIGNATURE_SW_MODE_TAVERO:
+      return Refuse("software mode 1 only verifies");
+    case CP_DIGITAL_SIGNATURE_SW_MODE_INTERNAL_KEY:
+      return TakeTrainingKey(args.nKeyPairIndex, key);
+    case CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_KEY:
+    case CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_NEXT_KEY:
+      return ReadSignKey(kSignKey, TextOf(args.szSignKeyFile), key);
+    default:
+      return RefuseMode(args);
+  }
+}
+
+bool ChooseSignKey(const Args& args, KeyHandle& key) {
+  if (args.enumSignatureType == CP_DIGITAL_SIGNATURE_SW) return ChooseSoftwareSignKey(args, key);
+  if (!IsHardware(args)) return RefuseType(args);
+  const std::string file = TextOf(args.szSignKeyFile);
+  return file.empty() ? TakeTrainingKey(args.nKeyPairIndex, key) : ReadSignKey(kSignKey, file, key);
+}
+
+bool TakeTrainingVerifyKey(int index, VerifyKey& key) {
+  KeyHandle pair;
+  return TakeTrainingKey(index, pair) && VerifyKeyOf(pair.get(), key);
+}
+
+// Without a device, the key that the device holds is taken from a file.
+bool ChooseNextKeySchemeKey(const Args& args, const char* device_key, VerifyKey& key) {
+  if (device_key != nullptr) return ReadDeviceKey(device_key, key);
+  const std::string verify_key = TextOf(args.szVerifyKeyFile);
+  if (!verify_key.empty()) return ReadVerifyKey(kVerifyKey, verify_key, key);
+  return ReadVerifyKey(kNextVerifyKey, TextOf(args.szNextVerifyKeyFile), key);
+}
+
+bool ChooseVerifyKey(const Args& args, const char* device_key, VerifyKey& key) {
+  if (IsHardware(args)) return Refuse("a hardware signature is verified by the display only");
+  if (args.enumSignatureType != CP_DIGITAL_SIGNATURE_SW) return RefuseType(args);
+  VerifyKey issuer;
+  switch (args.enumSwMode) {
+    case CP_DIGITAL_SIGNATURE_SW_MODE_TAVERO:
+      return ReadVerifyKey(kVerifyKey, TextOf(args.szVerifyKeyFile), issuer) &&
+             ReadSubCertificate(TextOf(args.szSubCertFile), issuer, key);
+    case CP_DIGITAL_SIGNATURE_SW_MODE_INTERNAL_KEY:
+      return TakeTrainingVerifyKey(args.nKeyPairIndex, key);
+    case CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_KEY:
+      return ReadVerifyKey(kVerifyKey, TextOf(args.szVerifyKeyFile), key);
+    case CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_NEXT_KEY:
+      return ChooseNextKeySchemeKey(args, device_key, key);
+    default:
+      return RefuseMode(args);
+  }
+}
+
+// A signature made for one scheme says nothing in another.
+bool BelongsToScheme(const Args& args, const Signature& signature) {
+  if (signature.type != SignatureType::kSoftware) {
+    return Refuse("this is a hardware signature, which is verified by the display only");
+  }
+  if (IsNextKeyMode(args) == signature.next_verify_key.has_value()) return true;
+  return signature.next_verify_key
+             ? Refuse("the signature binds a next verify key: verify it in software mode 4")
+             : Refuse("the signature binds no next verify key, as software mode 4 requires");
+}
+
+bool BindsTheGivenKey(const Args& args, const Signature& signature) {
+  const std::string file = TextOf(args.szNextVerifyKeyFile);
+  if (!signature.next_verify_key || file.empty()) return true;
+  VerifyKey given;
+  if (!ReadVerifyKey(kNextVerifyKey, file, given)) return false;
+  return *signature.next_verify_key == given ||
+         Refuse("the signature binds another next verify key than the one in %s", file.c_str());
+}
+
+}  // namespace
+
+bool SignFirmware(const Args& args) {
+  const std::string firmware = TextOf(args.szFwFile);
+  const std::string next_verify_key = TextOf(args.szNextVerifyKeyFile);
+  KeyHandle key;
+  Signature signature;
+  if (!ChooseSignKey(args, key)) return false;
+  if (IsHardware(args)) signature.type = SignatureType::kHardware;
+  if ((IsHardware(args) || IsNextKeyMode(args)) &&
+      !ReadVerifyKey(kNextVerifyKey, next_verify_key, signature.next_verify_key.emplace())) {
+    return false;
+  }
+  WipedBytes message;
+  return ReadMessage(SignedLines(signature), firmware, message) &&
+         Sign(key.get(), message, signature.value) &&
+         WriteSignatureFile(TextOf(args.szSignatureFile), FormatSignatureFile(signature),
+                            {firmware, TextOf(args.szSignKeyFile), next_verify_key});
+}
+
+bool VerifyFirmware(const Args& args, const char* device_key) {
+  VerifyKey key;
+  Signature signature;
+  WipedBytes message;
+  return ChooseVerifyKey(args, device_key, key) &&
+         ReadSignatureFile(TextOf(args.szSignatureFile), signature) &&
+         BelongsToScheme(args, signature) && BindsTheGivenKey(args, signature) &&
+         ReadMessage(SignedLines(signature), TextOf(args.szFwFile), message) &&
+         IsGenuine(key, message, signature.value);
+}
+
+}  // namespace signer
