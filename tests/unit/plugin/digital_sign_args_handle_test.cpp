@@ -1,0 +1,287 @@
+// SPDX-License-Identifier: MIT
+#include "plugin/digital_sign_args_handle.h"
+
+#include <cstring>
+#include <string>
+
+#include "support/files.h"
+#include "support/scratch_dir.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Args = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
+
+constexpr auto kSign = CP_DIGITAL_SIGNATURE_ACTION_SIGN;
+constexpr auto kVerify = CP_DIGITAL_SIGNATURE_ACTION_VERIFY;
+
+// A request as judgement hands it over: numbers and the texts as typed.
+struct Request {
+  std::uint32_t action = 1;
+  std::uint32_t type = 1;
+  std::uint32_t sw_mode = 3;
+  const char* fw = "fw.bin";
+  const char* sign_file = "fw.sig";
+  const char* key_pair = "";
+  const char* verify_key = "";
+  const char* sign_key = "";
+  const char* sub_cert = "";
+  const char* next_verify_key = "";
+};
+
+// In a current directory that holds "fw.bin", "fw.sig", "v.key", "s.key", "sub.crt" and "n.key".
+class DigitalSignArgsHandle : public testing::Test {
+ protected:
+  DigitalSignArgsHandle() {
+    for (const char* name : {"fw.bin", "fw.sig", "v.key", "s.key", "sub.crt", "n.key"}) {
+      GivenFile(m_directory / name, name);
+    }
+    m_handle.SetCurrentDir(m_directory / "");
+  }
+
+  Args Record(const Request& request) const {
+    Args args;
+    args.enumActionType = request.action;
+    args.enumSignatureType = request.type;
+    args.enumSwMode = request.sw_mode;
+    std::strcpy(args.szFwFile, request.fw);
+    std::strcpy(args.szSignatureFile, request.sign_file);
+    std::strcpy(args.szKeyPair, request.key_pair);
+    std::strcpy(args.szVerifyKeyFile, request.verify_key);
+    std::strcpy(args.szSignKeyFile, request.sign_key);
+    std::strcpy(args.szSubCertFile, request.sub_cert);
+    std::strcpy(args.szNextVerifyKeyFile, request.next_verify_key);
+    return args;
+  }
+
+  // The verdict, with what was printed kept for Printed().
+  bool Judge(Args& args) {
+    testing::internal::CaptureStdout();
+    const bool accepted = m_handle.JudgeArgument(&args);
+    m_printed = testing::internal::GetCapturedStdout();
+    return accepted;
+  }
+
+  // What was printed, the current directory written as "@".
+  std::string Printed() const {
+    std::string text = m_printed;
+    const std::string directory = m_directory / "";
+    for (std::size_t at = text.find(directory); at != std::string::npos; at = text.find(directory))
+      text.replace(at, directory.size(), "@");
+    return text;
+  }
+
+  std::string Full(const char* name) const { return m_directory / name; }
+
+  ScratchDir m_directory;
+  CCpDigitalSignArgsHandle m_handle;
+  std::string m_printed;
+};
+
+TEST_F(DigitalSignArgsHandle, RemembersTheCurrentDirectory) {
+  EXPECT_EQ(m_handle.GetCurrentDir(), m_directory / "");
+  EXPECT_EQ(CCpDigitalSignArgsHandle().GetCurrentDir(), "");
+}
+
+TEST_F(DigitalSignArgsHandle, RefusesEachIncompleteRequestWithItsMessage) {
+  const struct {
+    Request request;
+    const char* message;
+  } kCases[] = {
+      {{.sw_mode = 1, .fw = "none.bin"},
+       "Digital signature: Tavero digital signature can not support sign function!\n"},
+      {{.action = 2, .type = 2, .fw = "none.bin"},
+       "Digital signature: Hw digital signature can not support verify function!\n"},
+      {{.fw = "none.bin"}, "Digital signature: fw file is not exist! @none.bin\n"},
+      {{.action = 2, .sign_file = ""}, "Digital signature: Signature file is missing!\n"},
+      {{.action = 2, .sign_file = "no.sig"},
+       "Digital signature: Signature file is not exist! @no.sig\n"},
+      {{.action = 0}, "Digital signature: Digital signature action type illegal! 0\n"},
+      {{.action = 3}, "Digital signature: Digital signature action type illegal! 3\n"},
+      {{.action = 2, .sw_mode = 1},
+       "Digital signature: Tavero verify key file should not be empty!\n"},
+      {{.action = 2, .sw_mode = 1, .verify_key = "no.key"},
+       "Digital signature: Tavero verify key file is not exist! @no.key\n"},
+      {{.action = 2, .sw_mode = 1, .verify_key = "v.key"},
+       "Digital signature: Tavero subcert file should not be empty!\n"},
+      {{.action = 2, .sw_mode = 1, .verify_key = "v.key", .sub_cert = "no.crt"},
+       "Digital signature: Tavero subcert file is not exist! @no.crt\n"},
+      {{.sw_mode = 2, .key_pair = "two"},
+       "Digital signature: Zrv internal key pair value is illegal! --keypair two \n"},
+      {{.sw_mode = 2, .key_pair = "5"},
+       "Digital signature: Zrv Key Pair out if range! --keypair 5\n"},
+      {{.sw_mode = 2, .key_pair = "-1"},
+       "Digital signature: Zrv Key Pair out if range! --keypair -1\n"},
+      {{.sw_mode = 3}, "Digital signature: Zrv external sign key file should not be empty!\n"},
+      {{.sw_mode = 3, .sign_key = "no.key"},
+       "Digital signature: Zrv external sign key file is not exist! @no.key\n"},
+      {{.action = 2, .sw_mode = 3},
+       "Digital signature: Zrv external verify key file should not be empty!\n"},
+      {{.action = 2, .sw_mode = 3, .verify_key = "no.key"},
+       "Digital signature: Zrv external verify key file is not exist! @no.key\n"},
+      {{.sw_mode = 4, .sign_key = "s.key"},
+       "Digital signature: Zrv external next verify key file should not be empty!\n"},
+      {{.action = 2, .sw_mode = 4, .next_verify_key = "no.key"},
+       "Digital signature: Zrv external next verify key file is not exist! @no.key\n"},
+      {{.sw_mode = 4, .next_verify_key = "n.key"},
+       "Digital signature: Zrv external sign key file should not be empty!\n"},
+      {{.sw_mode = 4, .sign_key = "no.key", .next_verify_key = "n.key"},
+       "Digital signature: Zrv external sign key file is not exist! @no.key\n"},
+      {{.type = 2, .sign_key = "no.key"},
+       "Digital signature: Zrv hw sign key file is not exist! @no.key\n"},
+      {{.type = 2, .sign_key = "s.key"},
+       "Digital signature: Zrv hw next verify key file should not be empty!\n"},
+      {{.type = 2, .next_verify_key = "no.key"},
+       "Digital signature: Zrv hw next verify key file is not exist! @no.key\n"},
+  };
+  for (const auto& [request, message] : kCases) {
+    Args args = Record(request);
+    EXPECT_FALSE(Judge(args)) << message;
+    EXPECT_EQ(Printed(), message);
+  }
+}
+
+TEST_F(DigitalSignArgsHandle, AcceptsEachCompleteRequestWithoutAWord) {
+  const Request kCases[] = {
+      {.action = 2, .sw_mode = 1, .verify_key = "v.key", .sub_cert = "sub.crt"},
+      {.action = 1, .sw_mode = 2},
+      {.action = 2, .sw_mode = 2, .key_pair = "4"},
+      {.action = 1, .sw_mode = 3, .sign_key = "s.key"},
+      {.action = 2, .sw_mode = 3, .verify_key = "v.key"},
+      {.action = 1, .sw_mode = 4, .sign_key = "s.key", .next_verify_key = "n.key"},
+      {.action = 2, .sw_mode = 4, .next_verify_key = "n.key"},
+      {.action = 1, .type = 2, .sw_mode = 1, .sign_key = "s.key", .next_verify_key = "n.key"},
+      {.action = 1, .type = 2, .sw_mode = 0, .next_verify_key = "n.key"},
+  };
+  for (const Request& request : kCases) {
+    Args args = Record(request);
+    EXPECT_TRUE(Judge(args)) << "type " << request.type << " mode " << request.sw_mode;
+    EXPECT_EQ(Printed(), "");
+    EXPECT_EQ(args.szFwFile, Full("fw.bin"));
+    EXPECT_EQ(args.szSignatureFile, Full("fw.sig"));
+  }
+}
+
+TEST_F(DigitalSignArgsHandle, LeavesASoftwareTypeWithoutAModeToThePlugIn) {
+  for (const std::uint32_t action : {1u, 2u}) {
+    Args args = Record({.action = action, .sw_mode = 0});
+    EXPECT_TRUE(Judge(args));
+    EXPECT_EQ(Printed(), "");
+  }
+}
+
+TEST_F(DigitalSignArgsHandle, ReplacesOnlyTheFilesThatItNeedsByTheirFullPaths) {
+  Args args = Record({.sw_mode = 3, .verify_key = "v.key", .sign_key = "s.key"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignKeyFile, Full("s.key"));
+  EXPECT_STREQ(args.szVerifyKeyFile, "v.key");
+
+  args = Record({.action = 2, .sw_mode = 1, .verify_key = "v.key", .sub_cert = "sub.crt"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szVerifyKeyFile, Full("v.key"));
+  EXPECT_EQ(args.szSubCertFile, Full("sub.crt"));
+
+  args = Record({.type = 2, .sign_key = "s.key", .next_verify_key = "n.key"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignKeyFile, Full("s.key"));
+  EXPECT_EQ(args.szNextVerifyKeyFile, Full("n.key"));
+}
+
+TEST_F(DigitalSignArgsHandle, KeepsAnAbsoluteNameAsItIs) {
+  const std::string firmware = m_directory.Path() + "/./fw.bin";
+  Args args = Record({.fw = firmware.c_str(), .sign_key = "s.key"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szFwFile, firmware);
+}
+
+TEST_F(DigitalSignArgsHandle, SigningWithoutANameAppendsSigToTheFirmware) {
+  Args args = Record({.sign_file = "", .sign_key = "s.key"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignatureFile, Full("fw.bin.sig"));
+}
+
+TEST_F(DigitalSignArgsHandle, SigningNeedsNoExistingSignatureFile) {
+  Args args = Record({.sign_file = "new.sig", .sign_key = "s.key"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignatureFile, Full("new.sig"));
+}
+
+TEST_F(DigitalSignArgsHandle, TakesADirectoryForAMissingFile) {
+  GivenDirectory(m_directory / "keys");
+  Args args = Record({.sign_key = "keys"});
+  EXPECT_FALSE(Judge(args));
+  EXPECT_EQ(Printed(), "Digital signature: Zrv external sign key file is not exist! @keys\n");
+}
+
+TEST_F(DigitalSignArgsHandle, ReadsTheKeyPairAsANumberOfAnyBase) {
+  const struct {
+    const char* text;
+    int index;
+  } kCases[] = {{"", 0}, {"0", 0}, {"4", 4}, {" 3", 3}, {"0x2", 2}, {"+1", 1}};
+  for (const auto& [text, index] : kCases) {
+    int value = -7;
+    EXPECT_TRUE(m_handle.CheckZrvInternalKey(text, value)) << text;
+    EXPECT_EQ(value, index) << text;
+  }
+}
+
+TEST_F(DigitalSignArgsHandle, ARefusedKeyPairLeavesIndexZero) {
+  testing::internal::CaptureStdout();
+  for (const char* text : {"5", "-1", "x", "3 "}) {
+    int value = -7;
+    EXPECT_FALSE(m_handle.CheckZrvInternalKey(text, value)) << text;
+    EXPECT_EQ(value, 0) << text;
+  }
+  testing::internal::GetCapturedStdout();
+}
+
+TEST_F(DigitalSignArgsHandle, TheShortCheckLooksAtNoKeys) {
+  Args args = Record({.action = 2, .sw_mode = 4});
+  testing::internal::CaptureStdout();
+  EXPECT_TRUE(m_handle.JudgeArgumentFwFileAndSigFile(&args));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(args.szFwFile, Full("fw.bin"));
+  EXPECT_EQ(args.szSignatureFile, Full("fw.sig"));
+}
+
+TEST_F(DigitalSignArgsHandle, CutsALongSignatureNameInsideItsBuffer) {
+  // 259 bytes of path fit beside the terminating zero; ".sig" goes over that.
+  const std::string directory = m_directory / std::string(200, 'd');
+  const std::string firmware =
+      GivenFile(directory + "/" + std::string(259 - directory.size() - 1, 'f'), "");
+  ASSERT_EQ(firmware.size(), 259u);
+  Args args = Record({.fw = firmware.c_str(), .sign_file = "", .sign_key = "s.key"});
+  std::strcpy(args.szKeyPair, "untouched");
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignatureFile, firmware);
+  EXPECT_STREQ(args.szKeyPair, "untouched");
+}
+
+TEST_F(DigitalSignArgsHandle, AShorterPathLeavesNoTailOfTheNameBefore) {
+  char sign_key[260];
+  std::memset(sign_key, 'x', sizeof sign_key);
+  std::strcpy(sign_key, "s.key");
+  char verify_key[260] = "";
+  ASSERT_TRUE(m_handle.CheckZrvExternalKeyFile(kSign, verify_key, sign_key));
+  const std::string path = Full("s.key");
+  EXPECT_EQ(std::string(sign_key, 260), path + std::string(260 - path.size(), '\0'));
+}
+
+TEST_F(DigitalSignArgsHandle, ChecksTheTypeOnItsOwn) {
+  const auto kNoMode = CP_DIGITAL_SIGNATURE_SW_MODE_NONE;
+  const auto kTavero = CP_DIGITAL_SIGNATURE_SW_MODE_TAVERO;
+  const auto kSoftware = CP_DIGITAL_SIGNATURE_SW;
+  const auto kHardware = CP_DIGITAL_SIGNATURE_HW;
+  testing::internal::CaptureStdout();
+  EXPECT_FALSE(m_handle.CheckDigitalSignatureType(kSign, kSoftware, kTavero));
+  EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kVerify, kSoftware, kTavero));
+  EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kSign, kSoftware, kNoMode));
+  EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kSign, kHardware, kTavero));
+  EXPECT_FALSE(m_handle.CheckDigitalSignatureType(kVerify, kHardware, kNoMode));
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "Digital signature: Tavero digital signature can not support sign function!\n"
+            "Digital signature: Hw digital signature can not support verify function!\n");
+}
+
+}  // namespace
