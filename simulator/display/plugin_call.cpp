@@ -8,12 +8,32 @@
 namespace simulator {
 namespace {
 
-// The fields of the record that decide what a call does.
+// The fields that only one action looks at.
+std::string DescribeAction(const Setting& setting) {
+  switch (setting.enumActionType) {
+    case CP_ISPTOOL_ACTION_ISP_USER:
+      return Format(" flag_addr=0x%X flag_len=%u", setting.stFlagSetting.ulFlagAddr,
+                    setting.stFlagSetting.ulFlagLength);
+    case CP_ISPTOOL_ACTION_RECORD_VERSION:
+      return Format(" version_location=%u", setting.enumVersionLocationType);
+    case CP_ISPTOOL_ACTION_DUMP_FLASH:
+      return Format(" dump_addr=0x%X dump_len=0x%X", setting.stDumpFlash.ulDumpAddr,
+                    setting.stDumpFlash.ulDumpLen);
+    case CP_ISPTOOL_ACTION_EDP_ISP:
+      return Format(" edp_mode=%u", setting.enumEdpIspMode);
+    default:
+      return "";
+  }
+}
+
+// The journal's line for a call.
 std::string Describe(const char* name, std::uint32_t number, const Setting& setting) {
-  return Format("call n=%u name=%s action=%u comm=%u slave=%s0x%02X banks=%u mode=%u", number, name,
-                setting.enumActionType, setting.enumCommID,
-                setting.bAutoSlaveAddr == 0 ? "" : "auto:", setting.ucSlaveAddr,
-                setting.stMapFw.ulCount, setting.enumIspMode);
+  const std::string slave =
+      setting.bAutoSlaveAddr == 0 ? Format("0x%02X", setting.ucSlaveAddr) : "auto";
+  return Format("call n=%u name=%s action=%u comm=%u slave=%s isp_mode=%u banks=%u", number, name,
+                setting.enumActionType, setting.enumCommID, slave.c_str(), setting.enumIspMode,
+                setting.stMapFw.ulCount) +
+         DescribeAction(setting);
 }
 
 template <typename Work>
