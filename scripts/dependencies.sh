@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Installs what is missing through the platform's package manager, and says what it installs.
+#
+#   scripts/dependencies.sh GROUP...      groups: build test checks
+set -euo pipefail
+
+# Debian packages of a group, one line each.
+debian_packages() {
+  case $1 in
+    build)  echo g++ cmake ninja-build ;;
+    test)   echo libgtest-dev libgmock-dev libssl-dev openssl seabios edid-decode \
+                 mandoc zsh fish binutils clang libclang-rt-dev ;;
+    checks) echo clang-format clang-tidy cppcheck shellcheck valgrind libc++-dev libc++abi-dev \
+                 googletest libbenchmark-dev llvm lld nodejs npm debootstrap ;;
+    *)      echo "dependencies.sh: no group $1" >&2; exit 2 ;;
+  esac
+}
+
+# Homebrew's names of the same; what it does not have is left out, and its tests say so.
+brew_packages() {
+  case $1 in
+    build)  echo cmake ninja ;;
+    test)   echo googletest openssl@3 mandoc zsh fish ;;
+    checks) echo llvm cppcheck shellcheck google-benchmark ;;
+    *)      echo "dependencies.sh: no group $1" >&2; exit 2 ;;
+  esac
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+install_on_debian() {
+  local missing=() package
+  for package in "$@"; do
+    # nodejs of another origin brings npm along, and the two packages exclude each other.
+    if [ "$package" = npm ] && command -v npm >/dev/null; then continue; fi
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
+      missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  echo "Installing: ${missing[*]}"
+  as_root apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive as_root apt-get install -y -qq --no-install-recommends \
+    "${missing[@]}" >/dev/null
+}
+
+install_on_macos() {
+  if ! command -v brew >/dev/null; then
+    echo "This needs Homebrew to install: $*" >&2
+    exit 1
+  fi
+  local missing=() package
+  for package in "$@"; do
+    brew list --versions "$package" >/dev/null || missing+=("$package")
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  echo "Installing: ${missing[*]}"
+  brew install --quiet "${missing[@]}"
+}
+
+for group in "$@"; do
+  if [ "$(uname -s)" = Darwin ]; then
+    # shellcheck disable=SC2046  # the lists are words
+    install_on_macos $(brew_packages "$group")
+  else
+    # shellcheck disable=SC2046
+    install_on_debian $(debian_packages "$group")
+  fi
+done
