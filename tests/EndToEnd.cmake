@@ -39,6 +39,7 @@ file(GLOB e2e_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/e2e/*_test.c
 add_executable(e2e ${e2e_sources} support/installation.cpp)
 set_target_properties(e2e PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 target_compile_definitions(e2e PRIVATE
+  ZVISP_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
   ZVISP_EXECUTABLE="$<TARGET_FILE:zvisp>" ZVISP_TEST_PLUGIN_DIR="${ZVISP_TEST_PLUGIN_DIR}")
 target_link_libraries(e2e PRIVATE
   test_support zvisp_warnings GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
