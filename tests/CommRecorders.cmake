@@ -7,7 +7,8 @@ add_custom_command(
           ${CMAKE_C_COMPILER} ${CMAKE_CURRENT_LIST_DIR} ${comm_recorders}
   COMMAND ${CMAKE_COMMAND} -E touch ${comm_recorders}/built
   DEPENDS ${CMAKE_CURRENT_LIST_DIR}/support/make_comm_recorders.sh
-          ${CMAKE_CURRENT_LIST_DIR}/support/comm_recorder.c ${CMAKE_CURRENT_LIST_DIR}/support/comm_recorder.h
+          ${CMAKE_CURRENT_LIST_DIR}/support/comm_recorder.c
+          ${CMAKE_CURRENT_LIST_DIR}/support/comm_recorder.h
   COMMENT "Building the recording communication libraries")
 add_custom_target(comm_recorders DEPENDS ${comm_recorders}/built)
 

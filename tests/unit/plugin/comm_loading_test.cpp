@@ -3,6 +3,7 @@
 // Loading and freeing a communication library.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 #include "support/comm_library.h"
@@ -56,7 +57,7 @@ TEST(CommLoading, LooksTheExportsUpInTheirOrder) {
   ASSERT_EQ(Load(comm, Path("looked_up")), 1);
   const CommRecorder& recorder = RecorderOf(Path("looked_up"));
   ASSERT_EQ(recorder.look_ups, 115);
-  for (int place = 0; place < 115; ++place) {
+  for (std::size_t place = 0; place < 115; ++place) {
     EXPECT_STREQ(recorder.looked_up[place], kLookUpOrder[place]);
   }
   comm.FreeCommDllFile();

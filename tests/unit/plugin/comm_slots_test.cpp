@@ -3,6 +3,7 @@
 // The order of the virtual table, by calling its entries by number as a plug-in does.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -82,7 +83,7 @@ TEST(CommSlots, EndAfterTheHundredAndFiftySecond) {
 
 // A different word for each argument, cut to its type so that it is what a caller passes.
 void FillArguments(const Operation& operation, CommWord (&words)[kCommArguments]) {
-  for (int i = 0; operation.arguments[i] != 0; ++i) {
+  for (std::size_t i = 0; operation.arguments[i] != 0; ++i) {
     words[i] = Cut(0x1112131415161718 * (i + 1), operation.arguments[i]);
   }
 }
@@ -94,7 +95,7 @@ void ExpectExportCalledBySlot(CZvComm& comm, CommRecorder& recorder, const Opera
   recorder.called = "nothing";
   CallCommSlot(&comm, operation.slot, sent);
   EXPECT_STREQ(recorder.called, ExportOf(operation));
-  for (int i = 0; operation.arguments[i] != 0; ++i) {
+  for (std::size_t i = 0; operation.arguments[i] != 0; ++i) {
     EXPECT_EQ(Cut(recorder.arguments[i], operation.arguments[i]), sent[i]) << "argument " << i;
   }
 }
