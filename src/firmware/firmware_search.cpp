@@ -54,6 +54,7 @@ void AppendContaining(FileNames& out, const FileNames& candidates, const std::st
                [&](const std::string& name) { return name.find(text) != name.npos; });
 }
 
+// The version with "." for every blank inside it.
 std::string DotVersion(const std::string& version) {
   const std::size_t first = std::min(version.find_first_not_of(' '), version.size());
   std::string dotted = version.substr(first, version.find_last_not_of(' ') + 1 - first);
@@ -61,6 +62,7 @@ std::string DotVersion(const std::string& version) {
   return dotted;
 }
 
+// A name that ends in the major number alone is a build without a full version.
 void AppendExceptMajor(FileNames& out, const FileNames& candidates, const std::string& version) {
   const std::string dotted = DotVersion(version);
   const std::size_t dot = dotted.find('.');

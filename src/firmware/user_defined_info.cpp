@@ -36,6 +36,7 @@ struct TextRow {
   std::string (*format)(int number, bool is_first);
 };
 
+// Empty for a code that names no character. Zero is one of them: text ends there.
 std::string FormatCharacter(int code, bool /*is_first*/) {
   const wchar_t character = static_cast<wchar_t>(code);
   return CCpTransform().ConvertUnicodeStringToUTF8(std::wstring(1, character).c_str());

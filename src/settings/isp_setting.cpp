@@ -84,6 +84,7 @@ void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size) {
 
 void FillSettingFilePath(const std::string& setting_file,
                          wchar_t (&wszSettingFilePath)[kPathCapacity]) {
+  // The record goes to a plug-in whole: no tail of a longer path that stood here before.
   std::fill(std::begin(wszSettingFilePath), std::end(wszSettingFilePath), L'\0');
   if (setting_file.empty()) {
     GetDefaultSettingFilePathName(wszSettingFilePath, kPathCapacity);

@@ -9,9 +9,11 @@
 
 #include "settings/profile.h"
 
+// A line or a part of one, in the units of the family.
 template <typename Family>
 using ProfileText = std::basic_string<typename Family::Char>;
 
+// The line that opens a section.
 template <typename Family>
 ProfileText<Family> ProfileHeader(const typename Family::Char* section) {
   return typename Family::Char('[') + ProfileText<Family>(section) + typename Family::Char(']');
@@ -21,6 +23,7 @@ ProfileText<Family> ProfileHeader(const typename Family::Char* section) {
 template <typename Family>
 class ProfileLines {
  public:
+  // Opens the file. The encoding has to be set first: some runtimes ignore a change later on.
   explicit ProfileLines(const typename Family::Char* file_name) {
     Family::Prepare(m_stream);
     m_stream.open(Family::FileName(file_name), std::ios::in);
@@ -44,6 +47,8 @@ class ProfileLines {
   std::basic_ifstream<typename Family::Char> m_stream;
 };
 
+// How a search ended. The two ways of not finding differ for the caller: only at the end of the
+// file does the default reach the output.
 enum class ProfileSearch { kFound, kSectionEnded, kFileEnded };
 
 // Goes through the lines of a section for the key and stores its value.
@@ -75,6 +80,7 @@ ProfileSearch FindInFile(ProfileLines<Family>& lines, const ProfileText<Family>&
   return ProfileSearch::kFileEnded;
 }
 
+// CpZvGetPrivateProfileString of either family; the output holds kProfileValueCapacity units.
 template <typename Family>
 unsigned int ReadProfileString(const typename Family::Char* section,
                                const typename Family::Char* key,
@@ -94,6 +100,7 @@ unsigned int ReadProfileString(const typename Family::Char* section,
   return search == ProfileSearch::kFound ? static_cast<unsigned int>(text.size()) : 0;
 }
 
+// CpZvGetPrivateProfileInt of either family.
 template <typename Family>
 int ReadProfileInt(const typename Family::Char* section, const typename Family::Char* key,
                    int default_value, const typename Family::Char* file_name) {

@@ -13,7 +13,7 @@
 #include "settings/profile_reader.h"
 
 // Writes a file's lines back with one value set. The lines are held whole, so the file may be
-// truncated once one of these stands; all texts given must outlive it.
+// truncated once one of these stands.
 template <typename Family>
 class ProfileRewrite {
  public:
@@ -29,6 +29,8 @@ class ProfileRewrite {
     }
   }
 
+  // Writes every line, and the key exactly where settings/profile.h says. Call it once: the lines
+  // are used up.
   void WriteTo(Stream& stream) {
     bool section_found = false;
     while (m_next < m_lines.size()) {
@@ -63,6 +65,7 @@ class ProfileRewrite {
     }
   }
 
+  // The next line, trimmed: what is written back is what was compared.
   Text TakeLine() {
     Text line = std::move(m_lines[m_next++]);
     Family::TrimLine(line);
@@ -85,6 +88,7 @@ class ProfileRewrite {
   bool m_key_written = false;
 };
 
+// CpZvWritePrivateProfileString of either family.
 template <typename Family>
 int WriteProfileString(const typename Family::Char* section, const typename Family::Char* key,
                        const typename Family::Char* value, const typename Family::Char* file_name) {
@@ -101,6 +105,7 @@ int WriteProfileString(const typename Family::Char* section, const typename Fami
     return 0;
   }
   rewrite.WriteTo(stream);
+  // The stream closes itself: its own close may throw when the encoding failed before.
   return 1;
 }
 

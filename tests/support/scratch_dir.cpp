@@ -14,6 +14,7 @@ namespace {
 // A directory without its search bit would keep its content from being removed.
 void OpenUp(const std::string& path) {
   std::error_code ignored;
+  fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, ignored);
   for (fs::recursive_directory_iterator entry(path, ignored), end; entry != end;
        entry.increment(ignored)) {
     if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) {
