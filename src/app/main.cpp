@@ -7,6 +7,7 @@
 #include "app/execute_process.h"
 #include "app/standard_streams.h"
 #include "cmdline/isp_args_parse.h"
+#include "plugin/comm_plugin.h"
 #include "plugin/zeroed.h"
 
 namespace {
@@ -37,6 +38,8 @@ std::uint32_t ExecuteWithHeapRecords(const CCpIspArgsParse& parser) {
 
 int main(int argc, char** argv) {
   PrepareStandardStreams();
+  // The communication object of the process: this tool loads no library into it.
+  const CZvComm comm;
   CCpIspArgsParse parser;
   if (parser.ParseArgs(argc, argv) == 0) {
     std::printf("argument is illegal.\n");

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "plugin/zeroed.h"
+
 // The constructors stay out of line: inlined, a compiler may take the zero fill that comes before
 // construction for a dead store and drop it.
 
@@ -15,15 +17,13 @@ constexpr std::uint8_t kUnsetByte = 0xFF;
 
 template <typename Array>
 void Zero(Array& array) {
-  std::fill(std::begin(array), std::end(array), 0);
+  ZeroBytes(array, sizeof array);
 }
 
 }  // namespace
 
 STRUCT_C_STYLE_FW_BANK_SETTING::STRUCT_C_STYLE_FW_BANK_SETTING() {
-  ulReserved = 0;
-  ulFileBank = 0;
-  Zero(wszPath);
+  ZeroBytes(this, offsetof(STRUCT_C_STYLE_FW_BANK_SETTING, wszPath) + sizeof wszPath);
 }
 
 STRUCT_C_STYLE_MAP_FW::STRUCT_C_STYLE_MAP_FW() {
