@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # Builds both macOS slices, strips them and joins them to universal binaries in
-# build/macos-universal/. The reference signer is left out: it needs OpenSSL's libcrypto, which
+# build/macos-universal/, and packs them. The reference signer is left out: it needs OpenSSL's libcrypto, which
 # does not come with Zig's macOS headers. On a Mac with OpenSSL the ordinary build makes it.
 set -eu
 
@@ -31,4 +31,7 @@ for file in zvisp PlugIn/libIsp.dylib libSignVerify.dylib; do
   chmod 755 "$out/$file"
   rm "$out/$file.arm64" "$out/$file.x86_64"
 done
+rm -rf build/macos-arm64/packages
+cmake --build --preset macos-arm64 --target package >/dev/null
 echo "universal binaries: $out"
+echo "package: $(echo build/macos-arm64/packages/*.tar.gz)"
