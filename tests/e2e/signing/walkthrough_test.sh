@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Runs the lines of docs/signing.md as they stand there, in order, in an empty directory, and
 # compares how each run of the tool ended.
-# Usage: signing_walkthrough_test.sh <executable> <docs/signing.md>
+# Usage: walkthrough_test.sh <executable> <docs/signing.md>
 set -eu
 
 tool=$(realpath "$1")
