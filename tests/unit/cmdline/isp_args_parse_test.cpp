@@ -1,0 +1,331 @@
+// SPDX-License-Identifier: MIT
+#include "cmdline/isp_args_parse.h"
+
+#include <string>
+#include <vector>
+
+#include "base/path.h"
+#include "support/command_line_fixture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class IspArgsParse : public CommandLineTest {};
+
+TEST_F(IspArgsParse, AnActionAloneGivesTheRecordOfThatAction) {
+  constexpr struct {
+    const char* option;
+    std::uint32_t action;
+  } kCases[] = {{"--verify", 1},
+                {"--sign", 2},
+                {"--erase", 3},
+                {"--recordver", 8},
+                {"--srstatus", 9},
+                {"--flashtype", 10},
+                {"--readsr", 11},
+                {"--writesr", 12},
+                {"--readsafeguard", 13},
+                {"--writesafeguard", 14},
+                {"--resetmcu", 15},
+                {"--getstatus", 18},
+                {"--userdefinedinfo", 19},
+                {"--edpisp", 20},
+                {"--enterispmode", 21},
+                {"--mergefwinfo", 22},
+                {"--senduserdefinedinfo", 23},
+                {"--getscalertype", 25}};
+  const std::string directory = GetCurrentProcessDir(nullptr).GetUtf8String();
+  for (const auto& test : kCases) {
+    GivenFreshParser();
+    EXPECT_EQ(Parse({test.option}), 1) << test.option;
+    EXPECT_TRUE(SameBytes(Setting(), PlainCommandSetting(test.action, directory))) << test.option;
+    EXPECT_TRUE(SameBytes(SignArgs(), RecordBytes(std::size_t{1840}))) << test.option;
+    EXPECT_EQ(m_out + m_err, "") << test.option;
+  }
+}
+
+TEST_F(IspArgsParse, SwitchesReachTheirFields) {
+  constexpr struct {
+    std::vector<std::string> (*words)();
+    std::size_t offset;
+    std::uint32_t value;
+  } kCases[] = {
+      {[] { return std::vector<std::string>{"--newboot"}; }, 52, 1},
+      {[] { return std::vector<std::string>{"--factory"}; }, 56, 2},
+      {[] { return std::vector<std::string>{"--ispchannel"}; }, 48, 1},
+      {[] { return std::vector<std::string>{"--comparever"}; }, 44, 1},
+      {[] {
+         return std::vector<std::string>{"--comm", "0x10"};
+       },
+       24, 16},
+      {[] { return std::vector<std::string>{"--comm=6"}; }, 24, 6},
+      {[] {
+         return std::vector<std::string>{"--edpmode", "isp"};
+       },
+       28, 1},
+      {[] {
+         return std::vector<std::string>{"--edpmode", "readver"};
+       },
+       28, 2},
+      {[] {
+         return std::vector<std::string>{"--slave", "0x50"};
+       },
+       36, 0x50},
+      {[] {
+         return std::vector<std::string>{"--slave", "0x50"};
+       },
+       32, 0},
+      {[] {
+         return std::vector<std::string>{"--userdefined", "3"};
+       },
+       16, 3},
+      {[] {
+         return std::vector<std::string>{"--userdefined", "3"};
+       },
+       12, 8},
+      {[] { return std::vector<std::string>{"--copydiffer"}; }, 12, 7},
+  };
+  for (const auto& test : kCases) {
+    GivenFreshParser();
+    std::vector<std::string> words = test.words();
+    words.insert(words.begin(), "--erase");
+    EXPECT_EQ(Parse(words), 1) << words[1];
+    EXPECT_EQ(Setting().U32(test.offset), test.value) << words[1];
+  }
+}
+
+TEST_F(IspArgsParse, TextsReachTheirFields) {
+  EXPECT_EQ(Parse({"--dumpflash", "--dumpaddr", "0x100", "--dumplen", "32", "--dumpname", "a.bin"}),
+            1);
+  EXPECT_EQ(Setting().U32(272696), 0x100u);
+  EXPECT_EQ(Setting().U32(272700), 32u);
+  EXPECT_EQ(Setting().Wide(272704), "a.bin");
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--recordver", "--flash", "--veraddr", "16", "--totalverlen", "8",
+                   "--majorverlen", "3", "--subverlen", "2", "--recordvermode", "1"}),
+            1);
+  EXPECT_EQ(Setting().U32(272672), 1u);
+  EXPECT_EQ(Setting().U32(272676), 16u);
+  EXPECT_EQ(Setting().U32(272680), 8u);
+  EXPECT_EQ(Setting().U32(272684), 3u);
+  EXPECT_EQ(Setting().U32(272688), 2u);
+}
+
+TEST_F(IspArgsParse, TheUserFlagAndTheI2cCommandReachTheirFields) {
+  GivenFw("a.bin");
+  EXPECT_EQ(Parse({"--ispuser", "--fw", "a.bin", "--flagaddr", "0x20", "--flagdata", "1,2"}), 1);
+  EXPECT_EQ(Setting().U32(271440), 2u);
+  EXPECT_EQ(Setting().U32(272664), 0x20u);
+  EXPECT_EQ(Setting().U8(271445), 2);
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--i2cwrite", "--writedata", "1,2,0x81,9", "--ddccicmd"}), 1);
+  EXPECT_EQ(Setting().U8(273746), 1);
+  EXPECT_EQ(Setting().U8(273747), 9);
+  EXPECT_EQ(Setting().U32(274004), 1u);
+}
+
+TEST_F(IspArgsParse, EachSlotTakesItsFileAndItsStartBank) {
+  std::vector<std::string> words = {"--isp", "--bank", "1", "--fw", "0.bin"};
+  GivenFw("0.bin");
+  for (int slot = 1; slot <= 9; ++slot) {
+    const std::string number = std::to_string(slot);
+    GivenFw(number + ".bin");
+    words.insert(words.end(), {"--fw" + number, number + ".bin", "--bank" + number,
+                               std::to_string(1 + 10 * slot)});
+  }
+  EXPECT_EQ(Parse(words), 1);
+  const RecordBytes setting = Setting();
+  EXPECT_EQ(setting.U32(kBankCount), 10u);
+  for (std::size_t i = 0; i < 10; ++i) {
+    EXPECT_EQ(setting.U32(kFirstTargetBank + 4 * i), 1 + 10 * i);
+    EXPECT_EQ(setting.Wide(kFirstPath + 1056 * i), m_scratch / (std::to_string(i) + ".bin"));
+  }
+}
+
+TEST_F(IspArgsParse, ARefusedSlotEndsTheReadingAtOnce) {
+  constexpr struct {
+    const char* option;
+    const char* first;
+    const char* second;
+    const char* printed;
+  } kCases[] = {
+      {"--fw", "a", "b", "Parameter has been detected two or more times! --fw0 \n"},
+      {"--fw9", "a", "b", "Parameter has been detected two or more times! --fw9 \n"},
+      {"--bank", "1", "x", "Parameter illegal! --bank0 x \n"},
+      {"--bank9", "1", "256", "Parameter out of range 0~255! --bank9 256\n"},
+      {"--bank5", "1", "-1", "Parameter illegal, start bank value is loss! --bank5 -1 \n"},
+  };
+  for (const auto& test : kCases) {
+    GivenFreshParser();
+    EXPECT_EQ(Parse({"--isp", test.option, test.first, test.option, test.second, "--nothing"}), 0);
+    EXPECT_EQ(m_out, test.printed);
+    EXPECT_EQ(m_err, "") << test.option;
+  }
+}
+
+TEST_F(IspArgsParse, AMergeCommandIsTakenOnlyBehindTheActionThatNeedsIt) {
+  EXPECT_EQ(Parse({"--mergefwinfo", "--write", "1.2.3"}), 1);
+  EXPECT_EQ(Setting().U32(20), 1u);
+  EXPECT_EQ(Setting().U32(275308), 3u);
+  EXPECT_EQ(Setting().U8(275314), 3);
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--write", "1.2.3", "--mergefwinfo"}), 1);
+  EXPECT_EQ(Setting().U32(20), 1u);
+  EXPECT_EQ(Setting().U32(275308), 0u);
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--mergefwinfo", "--write", "1.2.3", "--reg"}), 1);
+  EXPECT_EQ(Setting().U32(275308), 0u);
+}
+
+TEST_F(IspArgsParse, ReadingAndWritingTogetherIsNeitherInTheRecord) {
+  EXPECT_EQ(Parse({"--mergefwinfo", "--read"}), 1);
+  EXPECT_EQ(Setting().U32(20), 0u);
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--mergefwinfo", "--read", "--write", "junk"}), 1);
+  EXPECT_EQ(Setting().U32(20), 0u);
+  EXPECT_EQ(Setting().U32(275308), 0u);
+}
+
+TEST_F(IspArgsParse, AUserDefinedVersionIsEmptiedByALaterSwitchOfTheBits) {
+  EXPECT_EQ(Parse({"--erase", "--userdefined", "2"}), 1);
+  EXPECT_EQ(Setting().U32(16), 2u);
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--userdefined", "2", "--erase"}), 0);
+  EXPECT_EQ(m_out,
+            "Get user defined version mode fail, mode is: \n"
+            "Get version type fail\n");
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--erase", "--userdefined", "2", "--newboot"}), 1) << "no switch of the bits";
+  EXPECT_EQ(Setting().U32(16), 2u);
+}
+
+TEST_F(IspArgsParse, FirmwareIsEitherNamedOrSearched) {
+  GivenFw("a.bin");
+  EXPECT_EQ(Parse({"--isp", "--fw", "a.bin", "--searchfw", "auto"}), 0);
+  EXPECT_EQ(m_out, "");
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--isp", "--searchfw", "auto", "--fw", "a.bin"}), 0);
+  EXPECT_EQ(m_out, "");
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--isp", "--searchfw", "auto", "--fw1", "a.bin"}), 0);
+  EXPECT_EQ(m_out, "Program fw bank duplicate!\n");
+}
+
+TEST_F(IspArgsParse, AnAutomaticSearchTakesTheFirstBinFile) {
+  EXPECT_EQ(Parse({"--isp", "--searchfw", "auto"}), 0);
+  EXPECT_EQ(m_out, "cann't find bin file!\n");
+  GivenFw("only.bin", 2);
+  GivenFw("other.txt");
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--isp", "--searchfw", "auto"}), 1);
+  EXPECT_EQ(Setting().U32(40), 1u);
+  EXPECT_EQ(Setting().U32(kBankCount), 2u);
+  EXPECT_EQ(Setting().Wide(kFirstPath), m_scratch / "only.bin");
+}
+
+TEST_F(IspArgsParse, ASearchByAnotherWordIsRefused) {
+  for (const char* const word : {"", "Auto", "autox", "prefix "}) {
+    GivenFreshParser();
+    EXPECT_EQ(Parse({"--isp", "--searchfw", word, "--nothing"}), 0) << word;
+    EXPECT_EQ(m_out, "auto search fw parameter illegal!\n") << word;
+    EXPECT_EQ(m_err, "") << word;
+  }
+}
+
+TEST_F(IspArgsParse, ASearchByPrefixUsesTheSettingsFileThatWasNamedBefore) {
+  GivenFw("abc.bin");
+  GivenFw("xyz.bin");
+  const std::string settings = GivenFile(m_scratch / "my.ini", "[ISP_Fw]\nstrFwPrefix=ab\n");
+  EXPECT_EQ(Parse({"--isp", "--settingfile", settings, "--searchfw", "prefix"}), 1);
+  EXPECT_EQ(Setting().Wide(kFirstPath), m_scratch / "abc.bin");
+  EXPECT_EQ(Setting().Wide(kSettingFilePath), settings);
+  GivenFreshParser();
+  EXPECT_EQ(Parse({"--isp", "--searchfw", "prefix", "--settingfile", settings}), 0);
+  EXPECT_EQ(m_out, "Cannot fw prefix setting!\n");
+}
+
+TEST_F(IspArgsParse, ASearchByIdentificationUsesTheFileInTheDirectory) {
+  EXPECT_EQ(Parse({"--isp", "--searchfw", "userdefined"}), 0);
+  EXPECT_EQ(m_out, "get userdefined info fail!\n");
+}
+
+TEST_F(IspArgsParse, AnotherEdpModeIsRefusedWithoutALineEnd) {
+  for (const char* const mode : {"", "ISP", "read"}) {
+    GivenFreshParser();
+    EXPECT_EQ(Parse({"--edpisp", "--edpmode", mode}), 0) << mode;
+    EXPECT_EQ(m_out, "wrong edp isp mode!") << mode;
+  }
+}
+
+TEST_F(IspArgsParse, StrayWordsAreListedAndPassedOver) {
+  EXPECT_EQ(Parse({"one", "--erase", "two", "--", "--sign"}), 1);
+  EXPECT_EQ(m_out, "non-option ARGV-elements: one two --sign \n");
+  EXPECT_EQ(Setting().U32(kAction), 3u);
+}
+
+TEST_F(IspArgsParse, AWordThatCannotBeReadIsReportedAndTheNextOneRead) {
+  const struct {
+    std::string word;
+    std::string printed;
+    std::string err;
+  } cases[] = {
+      {"-v", "illegal option ' v '!\n", "prog: invalid option -- 'v'\n"},
+      {"--nothing", std::string("illegal option ' \0 '!\n", 22),
+       "prog: unrecognized command '--nothing'\n"},
+      {"--ver", std::string("illegal option ' \0 '!\n", 22),
+       "prog: command '--ver' is ambiguous; possibilities: '--verify' '--veraddr'\n"},
+      {"--edp", std::string("illegal option ' \0 '!\n", 22),
+       "prog: command '--edp' is ambiguous; possibilities: '--edpisp' '--edpmode'\n"},
+      {"--newboot=1", "illegal option ' ( '!\n",
+       "prog: option '--newboot' doesn't allow an argument\n"},
+  };
+  for (const auto& test : cases) {
+    GivenFreshParser();
+    EXPECT_EQ(Parse({test.word, "--getsc"}), 1) << test.word;
+    EXPECT_EQ(m_out, test.printed) << test.word;
+    EXPECT_EQ(m_err, test.err) << test.word;
+    EXPECT_EQ(Setting().U32(kAction), 25u) << test.word;
+  }
+}
+
+TEST_F(IspArgsParse, AMissingArgumentAtTheEndIsReportedAndTheRestJudged) {
+  EXPECT_EQ(Parse({"--erase", "--comm"}), 1);
+  EXPECT_EQ(m_err, "prog: option '--comm' requires an argument\n");
+  EXPECT_EQ(m_out, "illegal option ' \x0F '!\n");
+}
+
+TEST_F(IspArgsParse, AnEmptyCommandLineHasNoAction) {
+  EXPECT_EQ(Parse({}), 0);
+  EXPECT_EQ(m_out, "Action type undefined or illegal!\n");
+}
+
+TEST_F(IspArgsParse, TheSameCommandLineGivesTheSameBytes) {
+  GivenFw("a.bin", 3);
+  const std::vector<std::string> words = {"--isp", "--fw", "a.bin", "--bank", "7", "--comm", "3"};
+  EXPECT_EQ(Parse(words), 1);
+  const RecordBytes first = Setting();
+  const RecordBytes first_sign_args = SignArgs();
+  GivenFreshParser();
+  EXPECT_EQ(Parse(words), 1);
+  EXPECT_TRUE(SameBytes(Setting(), first));
+  EXPECT_TRUE(SameBytes(SignArgs(), first_sign_args));
+}
+
+TEST_F(IspArgsParse, ARecordThatIsHandedInIsTheOneThatIsJudgedAndHandedOut) {
+  STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING setting{};
+  setting.enumActionType = CP_ISPTOOL_ACTION_ISP;
+  setting.enumCommID = 9;
+  m_parser->SetISPCmdSetting(setting);
+  EXPECT_EQ(Setting().U32(kAction), 4u);
+  EXPECT_EQ(Setting().U32(24), 9u);
+  GivenFw("boot.bin", 2);
+  FwBankMap map;
+  EXPECT_EQ(m_parser->InsertCommandFwFile(0, "boot.bin"), 1);
+  EXPECT_EQ(m_parser->InsertCommandStartBank(0, "5"), 1);
+  EXPECT_EQ(m_parser->JudgeFwMap(map), 1);
+  EXPECT_EQ(map.size(), 2u);
+  EXPECT_EQ(map.count(6), 1u);
+}
+
+}  // namespace
