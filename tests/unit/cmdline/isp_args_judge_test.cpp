@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: MIT
+//
+// The judgement of raw arguments: its messages in their order, and what it leaves in the records.
+#include <string>
+#include <vector>
+
+#include "base/path.h"
+#include "cmdline/isp_args_parse.h"
+#include "support/command_line_fixture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr std::uint32_t kSign = 0x2;
+constexpr std::uint32_t kVerify = 0x1;
+constexpr std::uint32_t kErase = 0x4;
+constexpr std::uint32_t kIsp = 0x8;
+
+class IspArgsJudge : public CommandLineTest {
+ protected:
+  // Offsets of the signature record.
+  static constexpr std::size_t kSignAction = 0;
+  static constexpr std::size_t kSignType = 4;
+  static constexpr std::size_t kSwMode = 8;
+  static constexpr std::size_t kHwMode = 12;
+  static constexpr std::size_t kFwFile = 20;
+  static constexpr std::size_t kSignatureFile = 280;
+
+  static STRUCT_CP_ISP_CMD_ARGS Action(std::uint32_t bits) {
+    STRUCT_CP_ISP_CMD_ARGS args;
+    args.ulActionBits = bits;
+    return args;
+  }
+  static STRUCT_CP_ISP_CMD_ARGS Signature(std::uint32_t action, std::uint32_t type,
+                                          const std::string& mode) {
+    STRUCT_CP_ISP_CMD_ARGS args = Action(action);
+    args.ulSignatureTypeBits = type;
+    args.strSignatureMode = mode;
+    args.strFw = "a.bin";
+    return args;
+  }
+  void ExpectRefused(const STRUCT_CP_ISP_CMD_ARGS& args, const std::string& message) {
+    EXPECT_EQ(Judge(args), 0) << message;
+    EXPECT_EQ(m_out, message);
+  }
+  void GivenSlot(const std::string& name) {
+    GivenFw(name);
+    ASSERT_EQ(m_parser->InsertCommandFwFile(0, name), 1);
+  }
+  void ExpectSettingFile(const std::string& text, const std::string& path) {
+    GivenFreshParser();
+    STRUCT_CP_ISP_CMD_ARGS args = Action(kErase);
+    args.strSettingFile = text;
+    EXPECT_EQ(Judge(args), 1);
+    EXPECT_EQ(Setting().Wide(kSettingFilePath), path);
+    EXPECT_EQ(Setting().U32(275044), 0u) << "the last unit";
+  }
+};
+
+// Everything is wrong at first; each round repairs the first fault and meets the next.
+TEST_F(IspArgsJudge, JudgesInItsOrderAndTellsTheFirstFault) {
+  STRUCT_CP_ISP_CMD_ARGS args = Action(3);
+  args.ulReadWriteBits = 2;
+  args.strMergeCommand = "x";
+  args.ulSignatureTypeBits = 3;
+  args.strSignatureMode = "x";
+  args.ulInformationBits = 3;
+  args.strUserDefined = "x";
+  args.strComm = "x";
+  args.strSlave = "x";
+  args.strFlagAddr = "x";
+  ExpectRefused(args, "Action type undefined or more than one type!\n");
+  args.ulActionBits = 0x10000;
+  ExpectRefused(args, "Action type undefined or illegal!\n");
+  args.ulActionBits = 0;
+  ExpectRefused(args, "Action type undefined or illegal!\n");
+  args.ulActionBits = kErase;
+  ExpectRefused(args, "Parameter illegal! --MergeFw --write x \n");
+  args.strMergeCommand = "1";
+  ExpectRefused(args, "Digital signature type is undefined or more than one type!\n");
+  args.ulSignatureTypeBits = 4;
+  ExpectRefused(args, "Digital signature type is illegal!\n");
+  args.ulSignatureTypeBits = 1;
+  ExpectRefused(args, "Parameter illegal! --dsmode x \nDigital signature mode is illegal!\n");
+  args.strSignatureMode = "4";
+  ExpectRefused(args, "Program fw path is undefined!\n");
+  args.strFw = "a.bin";
+  ExpectRefused(args, "Digital signature type should not be defined only when program fw!\n");
+  args.ulActionBits = 0x10;
+  args.nIspMode = 2;
+  ExpectRefused(args, "Get version location type undefined or more than one type!\n");
+  args.ulInformationBits = 0x80;
+  ExpectRefused(args, "User defined version mode illegal, mode is: x\nGet version type fail\n");
+  args.ulInformationBits = 0x100;
+  ExpectRefused(args, "Version location type is illegal!\n");
+  args.ulInformationBits = 0x4;
+  args.strVerAddr = "1";
+  ExpectRefused(args, "Version location type flash setting is illegal\n");
+  args.ulInformationBits = 0x1;
+  ExpectRefused(args, "Parameter illegal! --comm x \n");
+  args.strComm = "";
+  ExpectRefused(args, "Parameter illegal! --slave x \n");
+  args.strSlave = "";
+  ExpectRefused(args, "Program fw bin path should not be empty!\n");
+  GivenSlot("a.bin");
+  ExpectRefused(args, "Parameter illegal! --flagaddr x \n");
+  args.strFlagAddr = "1";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(m_out, "");
+}
+
+TEST_F(IspArgsJudge, AHardwareModeIsReadAsOne) {
+  ExpectRefused(Signature(kIsp, 2, "3"),
+                "Parameter out of range! --dsmode 3 \nDigital signature mode is illegal!\n");
+  GivenSlot("a.bin");
+  EXPECT_EQ(Judge(Signature(kIsp, 2, "2")), 1);
+  EXPECT_EQ(SignArgs().U32(kHwMode), 2u);
+  EXPECT_EQ(SignArgs().U32(kSwMode), 0u);
+  EXPECT_EQ(SignArgs().U32(kSignType), 2u);
+  EXPECT_EQ(SignArgs().U32(kSignAction), 0u) << "a hardware signature is not verified here";
+  EXPECT_EQ(Setting().U32(4), 2u);
+  EXPECT_EQ(m_out, "");
+}
+
+TEST_F(IspArgsJudge, SigningReturnsTheVerdictAndJudgesNothingBelow) {
+  GivenFw("a.bin");
+  STRUCT_CP_ISP_CMD_ARGS args = Signature(kSign, 1, "2");
+  args.ulInformationBits = 3;
+  args.strComm = "junk";
+  args.strSlave = "junk";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(m_out, "");
+  EXPECT_EQ(SignArgs().U32(kSignAction), 1u);
+  EXPECT_EQ(SignArgs().U32(kSwMode), 2u);
+  EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin");
+  EXPECT_EQ(SignArgs().Narrow(kSignatureFile), m_scratch / "a.bin.sig");
+  EXPECT_EQ(Setting().U32(8), 2u);
+  EXPECT_EQ(Setting().I32(32), -1) << "the slave address is not judged";
+  EXPECT_EQ(Setting().Wide(kSettingFilePath), "");
+}
+
+TEST_F(IspArgsJudge, ARefusedVerdictOnSigningIsTheResult) {
+  ExpectRefused(Signature(kSign, 1, "1"),
+                "Digital signature: Tavero digital signature can not support sign function!\n");
+  ExpectRefused(Signature(kSign, 1, "2"),
+                "Digital signature: fw file is not exist! " + (m_scratch / "a.bin") + "\n");
+}
+
+TEST_F(IspArgsJudge, VerifyingReturnsTheVerdict) {
+  ExpectRefused(Signature(kVerify, 2, "1"),
+                "Digital signature: Hw digital signature can not support verify function!\n");
+  GivenFw("a.bin");
+  ExpectRefused(Signature(kVerify, 1, "2"), "Digital signature: Signature file is missing!\n");
+  EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
+  GivenFile(m_scratch / "a.sig", "s");
+  STRUCT_CP_ISP_CMD_ARGS args = Signature(kVerify, 1, "2");
+  args.strSignFile = "a.sig";
+  args.strKeyPair = "4";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(SignArgs().Narrow(kSignatureFile), m_scratch / "a.sig");
+  EXPECT_EQ(SignArgs().U32(16), 4u);
+}
+
+TEST_F(IspArgsJudge, SigningWithoutATypeIsJudgedLikeEveryOtherAction) {
+  STRUCT_CP_ISP_CMD_ARGS args = Action(kSign);
+  args.strComm = "17";
+  ExpectRefused(args, "Parameter out of range! --comm 17\n");
+  args.strComm = "16";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(SignArgs().U32(kSignAction), 0u);
+}
+
+TEST_F(IspArgsJudge, ProgrammingWithASoftwareSignatureVerifiesTheFiles) {
+  for (const std::uint32_t action : {0x8u, 0x10u, 0x20u, 0x40u}) {
+    GivenFreshParser();
+    GivenSlot("a.bin");
+    ExpectRefused(Signature(action, 1, "2"), "Digital signature: Signature file is missing!\n");
+    EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
+  }
+}
+
+TEST_F(IspArgsJudge, ProgrammingWithTheKeyOnTheDeviceLeavesTheVerdictToThePlugIn) {
+  GivenSlot("a.bin");
+  EXPECT_EQ(Judge(Signature(kIsp, 1, "4")), 1);
+  EXPECT_EQ(m_out, "Digital signature: Signature file is missing!\n");
+  EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
+  EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin") << "what was resolved until then";
+  EXPECT_EQ(Setting().U32(8), 4u);
+}
+
+TEST_F(IspArgsJudge, ProgrammingInFactoryModeSkipsTheVerdict) {
+  GivenSlot("a.bin");
+  STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 1, "2");
+  args.nIspMode = 2;
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(m_out, "");
+  EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
+  EXPECT_EQ(SignArgs().Narrow(kFwFile), "a.bin") << "as typed";
+}
+
+TEST_F(IspArgsJudge, TheSignatureTextsReachTheirFields) {
+  GivenSlot("a.bin");
+  STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 2, "");
+  args.strSignFile = "sign";
+  args.strKeyPair = "pair";
+  args.strVerifyKeyFile = "verify";
+  args.strSignKeyFile = "signkey";
+  args.strSubCertFile = "cert";
+  args.strNextVerifyKeyFile = "next";
+  EXPECT_EQ(Judge(args), 1);
+  const char* const texts[] = {"a.bin", "sign", "pair", "verify", "signkey", "cert", "next"};
+  for (std::size_t i = 0; i < 7; ++i) {
+    EXPECT_EQ(SignArgs().Narrow(kFwFile + 260 * i), texts[i]);
+  }
+}
+
+TEST_F(IspArgsJudge, AnOverlongSignatureTextIsCutBeforeABrokenCharacter) {
+  GivenSlot("a.bin");
+  STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 2, "");
+  args.strSignFile = std::string(300, 's');
+  args.strKeyPair = std::string(258, 'k') + "\u00e4";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(SignArgs().Narrow(kSignatureFile), std::string(259, 's'));
+  EXPECT_EQ(SignArgs().Narrow(540), std::string(258, 'k'));
+}
+
+TEST_F(IspArgsJudge, TheBootCodeIsTakenOnlyWithASignatureType) {
+  GivenSlot("a.bin");
+  STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 0, "");
+  args.strBoot = "boot.bin";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(Setting().Narrow(kBootFwPath), "");
+  args.ulSignatureTypeBits = 2;
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(Setting().Narrow(kBootFwPath), "boot.bin");
+}
+
+TEST_F(IspArgsJudge, FirmwareIsNeededOnlyByActionsThatProgram) {
+  ExpectRefused(Action(kIsp), "Program fw bin path should not be empty!\n");
+  STRUCT_CP_ISP_CMD_ARGS version = Action(0x80);
+  version.ulInformationBits = 0x8;
+  ExpectRefused(version, "Program fw bin path should not be empty!\n");
+  version.ulInformationBits = 0x1;
+  EXPECT_EQ(Judge(version), 1);
+  STRUCT_CP_ISP_CMD_ARGS searched = Action(kIsp);
+  searched.bSearchFw = 1;
+  EXPECT_EQ(Judge(searched), 1);
+  EXPECT_EQ(Setting().U32(kBankCount), 0u);
+}
+
+TEST_F(IspArgsJudge, AMissingFirmwareFileIsRefusedByItsFullPath) {
+  ASSERT_EQ(m_parser->InsertCommandFwFile(0, "none.bin"), 1);
+  ExpectRefused(Action(kIsp), "File open fail! " + (m_scratch / "none.bin") + "\n");
+}
+
+TEST_F(IspArgsJudge, ParametersOfAnActionAreJudgedOnlyForIt) {
+  STRUCT_CP_ISP_CMD_ARGS args = Action(kErase);
+  args.strFlagAddr = "junk";
+  args.strWriteData = "junk";
+  args.strDumpAddr = "junk";
+  EXPECT_EQ(Judge(args), 1);
+  args.ulActionBits = 0x8000;
+  ExpectRefused(args, "");
+  args.ulActionBits = 0x800000;
+  ExpectRefused(args, "");
+}
+
+TEST_F(IspArgsJudge, TheSettingsFileIsTheOneBesideTheExecutableUnlessNamed) {
+  const std::string directory = GetCurrentProcessDir(nullptr).GetUtf8String();
+  ExpectSettingFile("", directory + "IspSetting.ini");
+  ExpectSettingFile("/etc/x.ini", "/etc/x.ini");
+  ExpectSettingFile("x.ini", directory + "x.ini");
+}
+
+TEST_F(IspArgsJudge, AnOverlongSettingsFileIsCutAt259Units) {
+  const std::string name = "/" + std::string(300, 'x');
+  ExpectSettingFile(name, name.substr(0, 259));
+}
+
+TEST_F(IspArgsJudge, AShorterSettingsFileLeavesNoTailOfTheFirst) {
+  STRUCT_CP_ISP_CMD_ARGS args = Action(kErase);
+  args.strSettingFile = "/long/path/of/settings.ini";
+  EXPECT_EQ(Judge(args), 1);
+  args.strSettingFile = "/a.ini";
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(Setting().Wide(kSettingFilePath), "/a.ini");
+  for (std::size_t unit = 6; unit < 260; ++unit) {
+    EXPECT_EQ(Setting().U32(kSettingFilePath + 4 * unit), 0u) << unit;
+  }
+}
+
+}  // namespace
