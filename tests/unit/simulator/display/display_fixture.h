@@ -4,6 +4,9 @@
 #ifndef ZVISP_TESTS_UNIT_SIMULATOR_DISPLAY_DISPLAY_FIXTURE_H_
 #define ZVISP_TESTS_UNIT_SIMULATOR_DISPLAY_DISPLAY_FIXTURE_H_
 
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <string>
