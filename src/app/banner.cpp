@@ -12,6 +12,9 @@ void ShowToolVersion() {
       "\033[33mZorvane Unix ISP Utility V%d.%d.%d"
       ", Copyright (c) 2026 the authors, MIT License, without warranty of any kind\r\n\033[m",
       g_ucszVersion[0], g_ucszVersion[1], g_ucszVersion[2]);
+  // The last sequence stands behind the line's end: a plug-in that crashes must not leave the
+  // operator's terminal yellow.
+  std::fflush(stdout);
 }
 
 void ShowResult(std::uint32_t action, std::uint32_t result) {
