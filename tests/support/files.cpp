@@ -3,7 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -20,6 +20,7 @@ std::string Pattern(std::size_t bytes, unsigned seed) {
 
 std::string GivenFile(const std::string& path, std::string_view content) {
   fs::create_directories(fs::path(path).parent_path());
+  fs::remove(path);  // it may be a link to a file of the build
   std::ofstream file(path, std::ios::binary);
   file.write(content.data(), static_cast<std::streamsize>(content.size()));
   file.close();
@@ -45,7 +46,10 @@ std::string GivenDirectory(const std::string& path) {
 std::string ReadWholeFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) throw std::runtime_error("cannot read " + path);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::ostringstream content;
+  // Streaming nothing into it would count as a failure.
+  if (file.peek() != std::ifstream::traits_type::eof()) content << file.rdbuf();
+  return content.str();
 }
 
 bool FileExists(const std::string& path) {

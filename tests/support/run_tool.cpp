@@ -21,6 +21,7 @@ extern "C" char** environ;
 namespace {
 
 constexpr int kCannotStart = 126;
+constexpr unsigned kNobody = 65534;
 
 // A program to put in front of every run, such as "valgrind -q --error-exitcode=99".
 constexpr const char* kLauncherVariable = "ZVISP_TEST_LAUNCHER";
@@ -109,6 +110,11 @@ void RedirectOutput(OutputTo output, const char* capture_path) {
   }
 }
 
+void DropPrivileges() {
+  if (geteuid() != 0) return;
+  if (setgid(kNobody) != 0 || setuid(kNobody) != 0) _exit(kCannotStart);
+}
+
 }  // namespace
 
 StartedRun::StartedRun(const Command& command)
@@ -126,6 +132,7 @@ StartedRun::StartedRun(const Command& command)
   Redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
   Redirect(STDERR_FILENO, m_err_path.c_str(), O_WRONLY | O_APPEND);
   RedirectOutput(command.output, m_out_path.c_str());
+  if (command.without_privileges) DropPrivileges();
   if (launched) {
     environ = const_cast<char**>(environment.data());
     execvp(arguments[0], arguments.data());

@@ -30,6 +30,7 @@ struct Command {
   std::string directory;               // working directory
   bool directory_vanishes = false;     // removed, once the run is in it
   OutputTo output = OutputTo::kCapture;
+  bool without_privileges = false;  // as an ordinary user, when the test runs as root
   // Set, or unset when without a value, on top of the test's own environment, from which the
   // locale and this project's variables are taken away. The locale is "C.UTF-8" unless it is here.
   std::map<std::string, std::optional<std::string>> environment;
