@@ -36,7 +36,10 @@ if(NOT TARGET zvisp)
   return()
 endif()
 file(GLOB e2e_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/e2e/*_test.cpp)
-add_executable(e2e ${e2e_sources} support/installation.cpp)
+if(NOT TARGET isp_simulator)
+  list(FILTER e2e_sources EXCLUDE REGEX "/simulated_")
+endif()
+add_executable(e2e ${e2e_sources} support/installation.cpp support/simulated_display.cpp)
 set_target_properties(e2e PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 target_compile_definitions(e2e PRIVATE
   ZVISP_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
@@ -44,4 +47,8 @@ target_compile_definitions(e2e PRIVATE
 target_link_libraries(e2e PRIVATE
   test_support zvisp_warnings GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
 add_dependencies(e2e zvisp ${test_plugins})
+if(TARGET isp_simulator)
+  target_compile_definitions(e2e PRIVATE ZVISP_SIMULATOR="$<TARGET_FILE:isp_simulator>")
+  add_dependencies(e2e isp_simulator)
+endif()
 gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 120)
