@@ -44,22 +44,29 @@ CCpZvString BesideExecutable(const CCpZvString& directory, const CCpZvString& na
   return directory.IsEmpty() ? CCpZvString() : directory + name;
 }
 
-// clang-format off
+template <auto kExport>
+int Call(CCpIsp& isp, Setting* setting) {
+  return (isp.*kExport)(setting);
+}
+
+int MergeFwInfo(CCpIsp& isp, Setting* setting) {
+  switch (setting->enumMergeFwInfoType) {
+    case CP_MERGE_FW_INFO_WRITE:
+      return isp.SetMergeFwInfo(setting);
+    case CP_MERGE_FW_INFO_READ:
+      return isp.GetMergeFwInfo(setting, nullptr);
+    default:
+      return 0;
+  }
+}
+
 struct ActionRow {
   std::uint32_t action;
   int (*call)(CCpIsp&, Setting*);
 };
 
-template <auto kExport>
-int Call(CCpIsp& isp, Setting* setting) { return (isp.*kExport)(setting); }
-
-int MergeFwInfo(CCpIsp& isp, Setting* setting) {
-  if (setting->enumMergeFwInfoType == CP_MERGE_FW_INFO_WRITE) return isp.SetMergeFwInfo(setting);
-  if (setting->enumMergeFwInfoType == CP_MERGE_FW_INFO_READ) return isp.GetMergeFwInfo(setting, nullptr);
-  return 0;
-}
-
 // An action that has no row (9 to 14) succeeds without touching the device: scripts rely on it.
+// clang-format off
 constexpr ActionRow kActions[] = {
   // action                                   call
   {CP_ISPTOOL_ACTION_ISP,                     Call<&CCpIsp::IspFlash>},
