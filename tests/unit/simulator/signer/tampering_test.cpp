@@ -15,7 +15,7 @@ constexpr std::size_t kFirmwareFlips = 600;
 
 class Tampering : public Signer {
  protected:
-  Tampering() { GivenFirmware(m_directory / "fw.bin", kFirmwareBytes); }
+  Tampering() { GivenFirmware(m_directory / "fw.bin", 100); }
 
   // The request of mode 1: firmware, signature, verify key and sub-certificate.
   Args GivenCertifiedSignature() {
@@ -53,6 +53,13 @@ class Tampering : public Signer {
     RecordProperty("flips", static_cast<int>(bits.size()));
   }
 
+  void TurnEveryBit(const Args& args, const std::string& path) {
+    TurnBits(path, EveryBitOf(path), [&] {
+      return !Verify(args) && std::count(Printed().begin(), Printed().end(), '\n') == 1;
+    });
+    EXPECT_TRUE(Verify(args)) << Printed();
+  }
+
   void CutShort(const std::string& path, const std::function<bool()>& refused) {
     const std::string good = ReadWholeFile(path);
     for (std::size_t length = 0; length < good.size(); ++length) {
@@ -79,6 +86,7 @@ class Tampering : public Signer {
 };
 
 TEST_F(Tampering, NoBitOfTheFirmwareCanBeTurnedOver) {
+  GivenFirmware(m_directory / "fw.bin", kFirmwareBytes);
   const Args args = GivenCertifiedSignature();
   std::mt19937 random(20);
   std::vector<std::size_t> bits(kFirmwareFlips);
@@ -89,25 +97,27 @@ TEST_F(Tampering, NoBitOfTheFirmwareCanBeTurnedOver) {
 }
 
 TEST_F(Tampering, NoByteOfTheFirmwareCanBeLostOrAdded) {
-  GivenFirmware(m_directory / "fw.bin", 100);
   const Args args = GivenCertifiedSignature();
   CutShort(args.szFwFile, [&] { return IsRefused(args); });
   EXPECT_TRUE(Verify(args)) << Printed();
 }
 
-TEST_F(Tampering, NoBitOfASmallFileCanBeTurnedOver) {
-  GivenFirmware(m_directory / "fw.bin", 100);
+TEST_F(Tampering, NoBitOfTheSignatureCanBeTurnedOver) {
   const Args args = GivenCertifiedSignature();
-  for (const char* path : {args.szSignatureFile, args.szVerifyKeyFile, args.szSubCertFile}) {
-    TurnBits(path, EveryBitOf(path), [&] {
-      return !Verify(args) && std::count(Printed().begin(), Printed().end(), '\n') == 1;
-    });
-  }
-  EXPECT_TRUE(Verify(args)) << Printed();
+  TurnEveryBit(args, args.szSignatureFile);
+}
+
+TEST_F(Tampering, NoBitOfTheVerifyKeyCanBeTurnedOver) {
+  const Args args = GivenCertifiedSignature();
+  TurnEveryBit(args, args.szVerifyKeyFile);
+}
+
+TEST_F(Tampering, NoBitOfTheSubCertificateCanBeTurnedOver) {
+  const Args args = GivenCertifiedSignature();
+  TurnEveryBit(args, args.szSubCertFile);
 }
 
 TEST_F(Tampering, NoSmallFileCanBeCutShortOrMadeLonger) {
-  GivenFirmware(m_directory / "fw.bin", 100);
   const Args args = GivenCertifiedSignature();
   for (const char* path : {args.szSignatureFile, args.szVerifyKeyFile, args.szSubCertFile}) {
     CutShort(path, [&] {
@@ -118,7 +128,6 @@ TEST_F(Tampering, NoSmallFileCanBeCutShortOrMadeLonger) {
 }
 
 TEST_F(Tampering, NoBitOfTheDevicesKeyOrOfTheNextOneCanBeTurnedOver) {
-  GivenFirmware(m_directory / "fw.bin", 100);
   const Args args = GivenSignatureWithNextKey();
   const std::string text = ReadWholeFile(Key("sign.pub"));
   DeviceKey key(text);
@@ -139,7 +148,6 @@ TEST_F(Tampering, NoBitOfTheDevicesKeyOrOfTheNextOneCanBeTurnedOver) {
 // The 32 secret bytes are any bytes, so some turned bits make another good key: what that signs is
 // then refused by the verify key.
 TEST_F(Tampering, NoBitOfASignKeyCanBeTurnedOverWithoutBeingFound) {
-  GivenFirmware(m_directory / "fw.bin", 100);
   const Args signing = SignRequest();
   const Args verifying = VerifyRequest();
   TurnBits(signing.szSignKeyFile, EveryBitOf(signing.szSignKeyFile),
