@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -204,6 +205,12 @@ TEST(CopyUtf8ToBuffer, NeverCutsInsideACharacter) {
     CopyUtf8ToBuffer(row.text, buffer, sizeof buffer);
     EXPECT_STREQ(buffer, row.expected);
   }
+}
+
+TEST(CopyUtf8ToBuffer, DoesNotLookBehindTheText) {
+  char buffer[8];
+  CopyUtf8ToBuffer(std::string_view("ab\x80", 2), buffer, sizeof buffer);
+  EXPECT_STREQ(buffer, "ab");
 }
 
 TEST(CopyWideToBuffer, CutsAtTheLimitAndBeforeTheTerminatingZero) {

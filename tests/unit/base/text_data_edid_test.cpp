@@ -39,6 +39,7 @@ TEST(EDIDToBin, ConvertsListsWhoseBytesSumUpToZero) {
 TEST(EDIDToBin, RefusesListsWithAWrongSum) {
   EXPECT_THAT(EdidBytes(L"0x01, 0x01"), IsEmpty());
   EXPECT_THAT(EdidBytes(L"0xFF, 0x02"), IsEmpty());
+  EXPECT_THAT(EdidBytes(L"0x80"), IsEmpty());
 }
 
 TEST(EDIDToBin, RefusesListsWithoutAByte) {
