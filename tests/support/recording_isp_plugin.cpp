@@ -13,7 +13,7 @@ using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
 // What the tool has to hand over, by the layout that plug-ins are built against.
 constexpr std::size_t kRecordBytes = 275328;
-constexpr std::size_t kKeyBytes = 1220;
+[[maybe_unused]] constexpr std::size_t kKeyBytes = 1220;
 
 [[maybe_unused]] int Record(const char* name, Setting* setting) {
   RecordedCall call(name);

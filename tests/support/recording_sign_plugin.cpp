@@ -8,7 +8,7 @@
 namespace {
 
 constexpr std::size_t kRecordBytes = 1840;
-constexpr std::size_t kKeyBytes = 1220;
+[[maybe_unused]] constexpr std::size_t kKeyBytes = 1220;
 
 }  // namespace
 
