@@ -10,9 +10,10 @@ debian_packages() {
   case $1 in
     build)  echo g++ cmake ninja-build ;;
     test)   echo libgtest-dev libgmock-dev libssl-dev openssl seabios edid-decode \
-                 mandoc zsh fish binutils clang libclang-rt-dev ;;
+                 mandoc zsh fish python3 binutils clang libclang-rt-dev ;;
     checks) echo clang-format clang-tidy cppcheck shellcheck valgrind libc++-dev libc++abi-dev \
-                 googletest libbenchmark-dev llvm lld nodejs npm debootstrap ;;
+                 googletest libbenchmark-dev llvm lld nodejs npm debootstrap \
+                 dpkg-dev file ;;
     *)      echo "dependencies.sh: no group $1" >&2; exit 2 ;;
   esac
 }
