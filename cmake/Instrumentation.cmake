@@ -5,7 +5,8 @@ set(ZVISP_SANITIZE "" CACHE STRING "Sanitizers to build with, such as address,un
 option(ZVISP_COVERAGE "Count the lines and branches that the tests reach" OFF)
 
 if(ZVISP_SANITIZE)
-  add_compile_options(-fsanitize=${ZVISP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options(
+    -fsanitize=${ZVISP_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${ZVISP_SANITIZE})
 endif()
 

@@ -1,17 +1,20 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# Builds both macOS slices, strips them and joins them to universal binaries in
-# build/macos-universal/, and packs them. The reference signer is left out: it needs OpenSSL's libcrypto, which
-# does not come with Zig's macOS headers. On a Mac with OpenSSL the ordinary build makes it.
+# Builds both macOS slices, strips them, joins them to universal binaries in
+# build/macos-universal/, and packs them. The reference signer is left out: it needs OpenSSL's
+# libcrypto, which does not come with Zig's macOS headers. On a Mac with OpenSSL the ordinary build
+# makes it.
 set -eu
 
 cd "$(dirname "$0")/.."
 out=build/macos-universal
 
 # Debian gives the tools their names with and without the version.
-tool() { command -v "$1" || command -v "$1-14"; }
-lipo=$(tool llvm-lipo) && strip=$(tool llvm-strip) ||
-  { echo "build-macos: llvm-lipo and llvm-strip are needed" >&2; exit 1; }
+tool() {
+  command -v "$1" || command -v "$1-14" || { echo "build-macos: $1 is needed" >&2; exit 1; }
+}
+lipo=$(tool llvm-lipo)
+strip=$(tool llvm-strip)
 
 scripts/install-zig.sh >/dev/null
 for slice in arm64 x86_64; do

@@ -25,7 +25,8 @@ fi
 # The mirror and release that this machine itself uses.
 # shellcheck source=/dev/null
 release=$(. /etc/os-release && echo "$VERSION_CODENAME")
-mirror=$(apt-get indextargets --format '$(REPO_URI)' "Codename: $release" "Identifier: Packages" |
+# shellcheck disable=SC2016  # the word is apt's to expand
+mirror=$(apt-get indextargets --format '$(REPO_URI)' "Release: $release" "Identifier: Packages" |
   head -n 1)
 # What the package asks for, by name: the versions are dpkg's to judge.
 needs=$(dpkg-deb -f "$package" Depends | sed 's/([^)]*)//g; s/|[^,]*//g; s/ //g')
