@@ -51,4 +51,15 @@ if(TARGET isp_simulator)
   target_compile_definitions(e2e PRIVATE ZVISP_SIMULATOR="$<TARGET_FILE:isp_simulator>")
   add_dependencies(e2e isp_simulator)
 endif()
+# Exhausts the memory of a run, by a call that only this C library offers; a sanitizer puts an
+# allocator of its own in its place.
+include(CheckSymbolExists)
+check_symbol_exists(__GLIBC__ features.h ZVISP_HAS_GLIBC)
+if(ZVISP_HAS_GLIBC AND NOT ZVISP_SANITIZE)
+  add_library(failing_calloc SHARED support/failing_calloc.cpp)
+  set_target_properties(failing_calloc PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY ${ZVISP_TEST_PLUGIN_DIR})
+  target_compile_definitions(e2e PRIVATE ZVISP_FAILING_CALLOC="$<TARGET_FILE:failing_calloc>")
+  add_dependencies(e2e failing_calloc)
+endif()
 gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 120)

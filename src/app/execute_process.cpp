@@ -139,10 +139,19 @@ std::uint32_t CheckSignature(Run& run) {
   return result != 0 ? result : RefreshHubDevice(run);
 }
 
+// Null when memory is exhausted, for the parser itself or for the records that it holds.
+std::unique_ptr<CCpIspArgsParse> MakeParser() {
+  try {
+    return std::make_unique<CCpIspArgsParse>();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 // Turns the boot-code path into a record of its own, by the rules of the command line and with
 // default communication settings, and programs it.
 std::uint32_t ProgramBootCode(Run& run) {
-  const std::unique_ptr<CCpIspArgsParse> parser(new (std::nothrow) CCpIspArgsParse);
+  const std::unique_ptr<CCpIspArgsParse> parser = MakeParser();
   const ZeroedPtr<Setting> boot_setting = MakeZeroed<Setting>();
   if (parser == nullptr || boot_setting == nullptr) return kRecordNotAllocated;
   boot_setting->enumActionType = CP_ISPTOOL_ACTION_ISP;
