@@ -62,4 +62,5 @@ if(ZVISP_HAS_GLIBC AND NOT ZVISP_SANITIZE)
   target_compile_definitions(e2e PRIVATE ZVISP_FAILING_CALLOC="$<TARGET_FILE:failing_calloc>")
   add_dependencies(e2e failing_calloc)
 endif()
-gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 120)
+# A thousand runs at once take their time on a busy machine or with a sanitizer.
+gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 300)

@@ -331,7 +331,7 @@ TEST_F(Start, FromADeletedDirectoryARelativeFileIsRefused) {
   EXPECT_THAT(m_tool.TakeCallLines(), IsEmpty());
 }
 
-TEST_F(Start, FromARootOwnedEmptyEnvironment) {
+TEST_F(Start, WithoutTheUsualVariables) {
   Command command = m_tool.Line({});
   for (const char* name : {"PATH", "HOME", "PWD", "TMPDIR", "LC_ALL"})
     command.environment[name] = std::nullopt;
