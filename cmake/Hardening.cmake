@@ -19,7 +19,8 @@ endforeach()
 # The C++ runtime goes into each binary: no search for it at start-up, and a plug-in
 # built with another runtime cannot meet ours.
 add_library(zvisp_static_runtime INTERFACE)
-foreach(flag IN ITEMS -static-libstdc++ -static-libgcc)
+# What of it is not called stays out.
+foreach(flag IN ITEMS -static-libstdc++ -static-libgcc -Wl,--gc-sections)
   string(MAKE_C_IDENTIFIER "ZVISP_LINKER_HAS${flag}" has_flag)
   check_linker_flag(CXX ${flag} ${has_flag})
   if(${has_flag})

@@ -28,3 +28,13 @@ void CopyDifferingBytes(void* to, const void* from, std::size_t bytes) {
     std::memcpy(target + at, source + at, length);
   }
 }
+
+void CopyBytesOntoZeros(void* to, const void* from, std::size_t bytes) {
+  auto* const target = static_cast<unsigned char*>(to);
+  const auto* const source = static_cast<const unsigned char*>(from);
+  for (std::size_t at = 0; at < bytes; at += kBlockBytes) {
+    const std::size_t length = std::min(kBlockBytes, bytes - at);
+    if (std::memcmp(source + at, kZeros, length) == 0) continue;
+    std::memcpy(target + at, source + at, length);
+  }
+}

@@ -20,6 +20,9 @@ void ZeroBytes(void* memory, std::size_t bytes);
 // Copies memory, block by block, and only reads the blocks that are the same already.
 void CopyDifferingBytes(void* to, const void* from, std::size_t bytes);
 
+// Copies onto memory that is all zero, and does not even read it where the copy is zero too.
+void CopyBytesOntoZeros(void* to, const void* from, std::size_t bytes);
+
 // Gives a record made by MakeZeroed back to the heap.
 struct FreeZeroed {
   void operator()(void* record) const { std::free(record); }
@@ -34,6 +37,15 @@ ZeroedPtr<Record> MakeZeroed() {
   static_assert(std::is_trivially_destructible_v<Record>);
   void* const memory = std::calloc(1, sizeof(Record));
   return ZeroedPtr<Record>(memory == nullptr ? nullptr : ::new (memory) Record);
+}
+
+// A byte copy of a record on the heap, owned by the caller; null when memory is exhausted.
+template <typename Record>
+ZeroedPtr<Record> MakeCopy(const Record& from) {
+  static_assert(std::is_trivially_copyable_v<Record>);
+  void* const memory = std::calloc(1, sizeof(Record));
+  if (memory != nullptr) CopyBytesOntoZeros(memory, &from, sizeof(Record));
+  return ZeroedPtr<Record>(static_cast<Record*>(memory));
 }
 
 // A record that belongs to its holder. Memory exhaustion throws std::bad_alloc.
