@@ -15,10 +15,10 @@
 namespace signer {
 
 // Largest key, certificate or signature file in bytes; real ones have a few hundred.
-inline constexpr std::size_t kSmallFileLimit = 64 * 1024;
+inline constexpr std::size_t kSmallFileLimit = std::size_t{64} * 1024;
 // Largest firmware file in bytes, four times the 256 banks that a display can have. The firmware
 // is held in memory, for Ed25519 has to go over it twice.
-inline constexpr std::size_t kFirmwareLimit = 64 * 1024 * 1024;
+inline constexpr std::size_t kFirmwareLimit = std::size_t{64} * 1024 * 1024;
 
 // A file that is open for reading.
 class InputFile {

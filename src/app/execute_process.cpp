@@ -205,6 +205,7 @@ std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
 }
 
 std::uint32_t LoadSignVerfiyDll(CCpSignVerify& signVerify, CCpZvString /*directory*/,
+                                // cppcheck-suppress passedByValue  ; callers know the signature
                                 CCpZvString plugInPath) {
   return signVerify.LoadSignVerfiyDllFile(plugInPath.GetString()) ? 0 : kSignPluginNotLoaded;
 }

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -24,7 +25,7 @@ void CutAfterLastSeparator(char* path) {
   char* separator = std::strrchr(path, '/');
   if (separator == nullptr) separator = std::strrchr(path, '\\');
   if (separator == nullptr) {
-    std::strcpy(path, "./");
+    std::memcpy(path, "./", sizeof "./");
   } else {
     separator[1] = '\0';
   }
@@ -74,7 +75,8 @@ CCpZvString GetCurrentProcessDir(void* address) {
   }
   std::wstring path = CCpTransform().ConvertCHARToUnicodeString(buffer);
   if (!path.empty()) {
-    path = path.substr(0, path.rfind(L'/')) + L"/";
+    path.erase(std::min(path.rfind(L'/'), path.size()));
+    path += L'/';
   }
   CCpZvString directory;
   directory = path;

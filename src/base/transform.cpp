@@ -30,6 +30,7 @@ bool IsShortAscii(const Text& text) {
 bool Convert(const char* to_code, const char* from_code, const char* text, std::size_t text_bytes,
              void* buffer, std::size_t room_bytes) {
   const iconv_t converter = iconv_open(to_code, from_code);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the system's own value for a failure
   if (converter == reinterpret_cast<iconv_t>(-1)) return false;
   // iconv reads its input only, but takes it as non-const.
   char* from = const_cast<char*>(text);

@@ -51,7 +51,7 @@ bool IsLongerAndEndsWith(std::string_view name, std::string_view ext) {
 
 void AppendContaining(FileNames& out, const FileNames& candidates, const std::string& text) {
   std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(out),
-               [&](const std::string& name) { return name.find(text) != name.npos; });
+               [&](const std::string& name) { return name.find(text) != std::string::npos; });
 }
 
 // The version with "." for every blank inside it.
@@ -66,13 +66,13 @@ std::string DotVersion(const std::string& version) {
 void AppendExceptMajor(FileNames& out, const FileNames& candidates, const std::string& version) {
   const std::string dotted = DotVersion(version);
   const std::size_t dot = dotted.find('.');
-  if (dot == dotted.npos) return;
+  if (dot == std::string::npos) return;
   const std::string major = dotted.substr(0, dot + 1);
   const std::string key = major + "bin";
   std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(out),
                [&](const std::string& name) {
                  const std::size_t position = name.find(major);
-                 return position == name.npos || position != name.find(key);
+                 return position == std::string::npos || position != name.find(key);
                });
 }
 

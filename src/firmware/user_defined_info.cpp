@@ -38,8 +38,8 @@ struct TextRow {
 
 // Empty for a code that names no character. Zero is one of them: text ends there.
 std::string FormatCharacter(int code, bool /*is_first*/) {
-  const wchar_t character = static_cast<wchar_t>(code);
-  return CCpTransform().ConvertUnicodeStringToUTF8(std::wstring(1, character).c_str());
+  const wchar_t text[] = {static_cast<wchar_t>(code), L'\0'};
+  return CCpTransform().ConvertUnicodeStringToUTF8(text);
 }
 
 std::string FormatVersionNumber(int number, bool is_first) {

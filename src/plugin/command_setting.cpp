@@ -69,6 +69,8 @@ STRUCT_MERGE_FW_INFO_SETTING::STRUCT_MERGE_FW_INFO_SETTING() {
   Zero(ucData);
 }
 
+// Two fields stay as the memory is, which MakeZeroed clears.
+// cppcheck-suppress uninitMemberVar
 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING() {
   enumActionType = CP_ISPTOOL_ACTION_UNDEFINED;
   enumDigitalSignatureType = 0;

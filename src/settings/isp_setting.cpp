@@ -21,6 +21,7 @@ using Record = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 struct SettingRow {
   const wchar_t* section;
   const wchar_t* key;
+  // cppcheck-suppress syntaxError  ; version 2.10 does not know pointers to members of an alias
   std::uint32_t Record::*field;
   int default_value;
 };

@@ -4,7 +4,9 @@
 
 enum { kRefused = 1 };
 
-int IspFlash(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting) { return (int)setting->enumCommID; }
+int IspFlash(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting) {
+  return (int)setting->enumCommID;
+}
 
 int RecordFWVersion(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting) {
   (void)setting;
@@ -22,7 +24,9 @@ int DumpFlash(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting) {
   return kRefused;
 }
 
-void SetCommInterface(CZvComm* comm) { (void)comm; }
+void SetCommInterface(CZvComm* comm) {
+  (void)comm;
+}
 
 void SetUIFunction(ZvReturnProgress progress, ZvShowMessage message, ZvGetHubDevice hub_device) {
   (void)progress;
