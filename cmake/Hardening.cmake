@@ -1,6 +1,10 @@
 # SPDX-License-Identifier: MIT
 # What protects an operator's machine from a slip in our code, at no cost that a run can measure.
 include(CheckLinkerFlag)
+include(CheckPIESupported)
+
+# Debian's compiler makes position-independent executables unasked; others have to be told.
+check_pie_supported(LANGUAGES C CXX)
 
 add_library(zvisp_hardening INTERFACE)
 target_compile_options(zvisp_hardening INTERFACE
