@@ -9,7 +9,7 @@ set -euo pipefail
 debian_packages() {
   case $1 in
     build)  echo g++ cmake ninja-build ;;
-    test)   echo libgtest-dev libgmock-dev libssl-dev openssl seabios edid-decode \
+    test)   echo valgrind libgtest-dev libgmock-dev libssl-dev openssl seabios edid-decode \
                  mandoc zsh fish python3 binutils clang libclang-rt-dev ;;
     checks) echo clang-format clang-tidy cppcheck shellcheck valgrind libc++-dev libc++abi-dev \
                  googletest libbenchmark-dev llvm lld nodejs npm debootstrap \
