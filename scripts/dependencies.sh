@@ -35,16 +35,18 @@ as_root() {
 install_on_debian() {
   local missing=() package
   for package in "$@"; do
-    # nodejs of another origin brings npm along, and the two packages exclude each other.
-    if [ "$package" = npm ] && command -v npm >/dev/null; then continue; fi
+    # A Node.js of another origin brings npm along, and excludes the packages.
+    case $package in
+      nodejs | npm) if command -v npm >/dev/null; then continue; fi ;;
+    esac
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' ||
       missing+=("$package")
   done
   [ ${#missing[@]} -gt 0 ] || return 0
   echo "Installing: ${missing[*]}"
   as_root apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive as_root apt-get install -y -qq --no-install-recommends \
-    "${missing[@]}" >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
 install_on_macos() {
