@@ -24,7 +24,12 @@ endforeach()
 # built with another runtime cannot meet ours.
 add_library(zvisp_static_runtime INTERFACE)
 # What of it is not called stays out.
-foreach(flag IN ITEMS -static-libstdc++ -static-libgcc -Wl,--gc-sections)
+set(static_runtime_flags -static-libstdc++ -static-libgcc -Wl,--gc-sections)
+if(ZVISP_SANITIZE)
+  # A sanitizer has to see one set of memory operators in the whole process.
+  set(static_runtime_flags)
+endif()
+foreach(flag IN LISTS static_runtime_flags)
   string(MAKE_C_IDENTIFIER "ZVISP_LINKER_HAS${flag}" has_flag)
   check_linker_flag(CXX ${flag} ${has_flag})
   if(${has_flag})
