@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Installs what is missing through the platform's package manager, and says what it installs.
 #
-#   scripts/dependencies.sh GROUP...      groups: build test checks
+#   scripts/dependencies.sh GROUP...      groups: build test checks bench
 set -euo pipefail
 
 # Debian packages of a group, one line each.
@@ -14,6 +14,7 @@ debian_packages() {
     checks) echo clang-format clang-tidy cppcheck shellcheck valgrind libc++-dev libc++abi-dev \
                  googletest libbenchmark-dev llvm lld nodejs npm debootstrap \
                  dpkg-dev file ;;
+    bench)  echo libbenchmark-dev libinih-dev openocd ;;
     *)      echo "dependencies.sh: no group $1" >&2; exit 2 ;;
   esac
 }
@@ -24,6 +25,7 @@ brew_packages() {
     build)  echo cmake ninja ;;
     test)   echo googletest openssl@3 mandoc zsh fish ;;
     checks) echo llvm cppcheck shellcheck google-benchmark ;;
+    bench)  echo google-benchmark inih open-ocd ;;
     *)      echo "dependencies.sh: no group $1" >&2; exit 2 ;;
   esac
 }

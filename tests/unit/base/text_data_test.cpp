@@ -227,6 +227,7 @@ TEST(ParseCommandLineParameter, SplitsAtBlanksButNotInsideQuotes) {
       {"a x\"b c\"y", {"a", "xb cy"}},
       {"a \" \"", {"a", " "}},
       {"a\tb", {"a\tb"}},
+      {"a#b --bank1=#2", {"a#b", "--bank1=#2"}},
       {"a \"b c\" \"b c\"", {"a", "b c", "b c"}},
   };
   for (const CommandLineRow& row : kCases) {

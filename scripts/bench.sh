@@ -1,0 +1,98 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# Builds and runs every benchmark, each beside a reference in the same run, and prints the ratios.
+# Usage: scripts/bench.sh [build directory]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+build=${1:-build/bench}
+scripts/dependencies.sh build bench
+cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DZVISP_BUILD_TESTS=OFF \
+  -DZVISP_BUILD_BENCHMARKS=ON > /dev/null
+cmake --build "$build" > /dev/null
+build=$(cd "$build" && pwd)
+scratch=$(mktemp -d "${TMPDIR:-/tmp}/zvisp-bench.XXXXXX")
+trap 'rm -rf "$scratch"' EXIT
+
+# --- Parts of the tool, in processor time --------------------------------------------------------
+
+for name in option_scanner transform profile bank_map save_setting; do
+  "$build/bench/bench_$name" --benchmark_format=csv --benchmark_min_time=0.3 2> /dev/null |
+    sed 1,/^name,/d
+done > "$scratch/parts.csv"
+
+nanoseconds() {
+  awk -F, -v name="\"$1\"" '
+    $1 == name { print $4 * ($5 == "ms" ? 1e6 : $5 == "us" ? 1e3 : 1); found = 1 }
+    END { exit !found }' "$scratch/parts.csv"
+}
+
+row() {  # WHAT OURS THEIRS
+  awk -v what="$1" -v ours="$(nanoseconds "$2")" -v theirs="$(nanoseconds "$3")" 'BEGIN {
+    printf "%-44s %10.2f us %10.2f us   ratio %.2f\n", what, ours / 1e3, theirs / 1e3, ours / theirs }'
+}
+
+row '12-option line / getopt_long' OptionScannerOnATypicalCommandLine GetoptLongOnATypicalCommandLine
+row 'ASCII path, UTF-8 to wide / iconv' Utf8ToWide/european:0 IconvUtf8ToWide/european:0
+row 'ASCII path, wide to UTF-8 / iconv' WideToUtf8/european:0 IconvWideToUtf8/european:0
+row 'European path, UTF-8 to wide / iconv' Utf8ToWide/european:1 IconvUtf8ToWide/european:1
+row 'European path, wide to UTF-8 / iconv' WideToUtf8/european:1 IconvWideToUtf8/european:1
+row 'key 100 of a profile, narrow / inih' ProfileReadNarrow InihRead
+row 'key 100 of a profile, wide / inih' ProfileReadWide InihRead
+row 'map of 10 files of 25 banks / open, fstat' BankMapOfTenFiles OpenAndAskForSize/25_banks
+row 'count 10 files of 25 banks / open, fstat' CountBanks/25_banks OpenAndAskForSize/25_banks
+row 'count 10 sparse files of 2 GiB / open, fstat' CountBanks/2_GiB OpenAndAskForSize/2_GiB
+for entries in 1 16 64 256; do
+  awk -v entries=$entries -v time="$(nanoseconds "SaveSetting/$entries")" 'BEGIN {
+    printf "%-44s %10.2f us\n", "SaveSetting of " entries " bank entries", time / 1e3 }'
+done
+
+# --- Whole runs, in elapsed time -----------------------------------------------------------------
+
+compare() {
+  echo "$1"
+  shift
+  "$build/bench/compare_runs" "$@"
+}
+
+# Two installations: one with the plug-in that does nothing, one with the simulated display.
+tool=$build/bin/zvisp
+cp "$tool" "$build/bench/zvisp"
+export ZVISP_SIM_DIR=$scratch/displays
+head -c 65536 /dev/urandom > "$scratch/64K.bin"
+head -c 1048576 /dev/urandom > "$scratch/1M.bin"
+
+for locale in C C.UTF-8; do
+  LC_ALL=$locale compare "start to end with an idle plug-in, LC_ALL=$locale" 500 \
+    'zvisp --isp' "$build/bench/zvisp" --isp --fw1 "$scratch/64K.bin" --bank1 0 --comm 1 -- \
+    'minimal C program' "$build/bench/minimal_run" "$build/bench/PlugIn/libIsp.dylib"
+done
+
+cat > "$scratch/faux.cfg" << 'END'
+adapter driver dummy
+jtag newtap faux cpu -irlen 4
+target create faux.cpu testee -chain-position faux.cpu
+flash bank faux.flash faux 0x01000000 0x200000 2 2 faux.cpu
+gdb_port disabled
+tcl_port disabled
+telnet_port disabled
+init
+END
+
+for size in 64K 1M; do
+  file=$scratch/$size.bin
+  program=("$tool" --isp --fw1 "$file" --bank1 0 --comm 1)
+  # Once by hand, to know that both really write.
+  "${program[@]}" | grep -q Success
+  cmp -n "$(wc -c < "$file")" "$file" "$ZVISP_SIM_DIR/display-01.flash"
+  compare "program and verify $size on the simulated display" 100 \
+    'zvisp --isp' "${program[@]}" -- \
+    'cp and cmp' sh -c "cp '$file' '$scratch/copy' && cmp '$file' '$scratch/copy'"
+  if command -v openocd > /dev/null; then
+    write="flash write_image erase $file 0x01000000 bin"
+    openocd -d0 -f "$scratch/faux.cfg" -c "echo [capture {$write}]; shutdown" 2>&1 | grep -q ^wrote
+    compare "program $size, verified by us only" 100 \
+      'zvisp --isp' "${program[@]}" -- \
+      'OpenOCD, faux flash' openocd -d0 -l /dev/null -f "$scratch/faux.cfg" -c "$write; shutdown"
+  fi
+done
