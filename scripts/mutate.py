@@ -33,7 +33,8 @@ FLIPS = {
     " && ": " || ", " || ": " && ", " + ": " - ", " - ": " + ", " | ": " & ", " & ": " | ",
     " += ": " -= ", " |= ": " &= ", "++": "--", "true": "false", "false": "true",
 }
-FLIP = re.compile("|".join(re.escape(key) for key in FLIPS if key[0] in " +") + r"|\b(?:true|false)\b")
+SIGNS = "|".join(re.escape(key) for key in FLIPS if key[0] in " +")
+FLIP = re.compile(SIGNS + r"|\b(?:true|false)\b")
 NUMBER = re.compile(r"(?<![\w.'])(0[xX][0-9a-fA-F]+|\d+)(?=[uUlLz]*\b)(?![\w.]*[.'])")
 TEXT = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)+\'')
 CONDITION = re.compile(r"\b(?:if|while) \(([^;{}]+)\)(?= \{$| return\b| continue;| break;)")
@@ -63,7 +64,8 @@ def change_text(line, _code):
 
 def negate_condition(line, code):
     for match in CONDITION.finditer(code):
-        yield line[:match.start(1)] + "!(" + line[match.start(1):match.end(1)] + ")" + line[match.end(1):]
+        start, end = match.span(1)
+        yield line[:start] + "!(" + line[start:end] + ")" + line[end:]
 
 
 def drop_statement(line, code):
@@ -132,8 +134,9 @@ class Tree:
 
     def make(self, target, jobs):
         """False when it does not compile."""
-        done = subprocess.run(["ninja", "-C", self.build, f"-j{jobs}", target], timeout=BUILD_SECONDS,
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+        done = subprocess.run(["ninja", "-C", self.build, f"-j{jobs}", target], check=False,
+                              timeout=BUILD_SECONDS, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL)
         return done.returncode == 0
 
     def passes(self, target):
