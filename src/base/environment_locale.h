@@ -2,7 +2,7 @@
 //
 // The user's locale. Scripts and remote shells often carry a locale name that the machine lacks;
 // such a run must go on, with names that are not ASCII still working, so this is the one place
-// that decides which locale counts, for the C library and for streams alike.
+// that decides which locale counts.
 #ifndef ZVISP_BASE_ENVIRONMENT_LOCALE_H_
 #define ZVISP_BASE_ENVIRONMENT_LOCALE_H_
 
@@ -20,15 +20,11 @@ class ScopedEnvironmentLocale {
   ScopedEnvironmentLocale(const ScopedEnvironmentLocale&) = delete;
   ScopedEnvironmentLocale& operator=(const ScopedEnvironmentLocale&) = delete;
 
-  // The name to give to setlocale or std::locale; empty for the environment's own.
-  const char* Name() const { return m_name; }
-
   // Leaves the character type switched at the end, too.
   void Keep() { m_restore = false; }
 
  private:
   std::string m_saved_ctype;
-  const char* m_name;
   bool m_restore = true;
 };
 

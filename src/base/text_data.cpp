@@ -2,8 +2,8 @@
 #include "base/text_data.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cwchar>
-#include <fstream>
 #include <string_view>
 
 #include "base/environment_locale.h"
@@ -216,14 +216,15 @@ unsigned short CalculateWordChecksum(const unsigned char* data, unsigned int len
 int CpZvSaveAnsiFile(const CCpZvString& path, const CCpZvString& text, unsigned int length,
                      int append) {
   ScopedEnvironmentLocale environment;
-  std::ofstream file(path.GetAnsiString(), append == 0 ? std::ios::trunc : std::ios::app);
-  if (!file.is_open()) {
+  std::FILE* const file = std::fopen(path.GetAnsiString(), append == 0 ? "w" : "a");
+  if (file == nullptr) {
     environment.Keep();
     return 0;
   }
   const std::vector<char> bytes =
       ToLocaleBytes(text.GetString(), length * kMaxLocaleBytesPerCharacter);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  std::fwrite(bytes.data(), 1, bytes.size(), file);
+  std::fclose(file);
   return 1;
 }
 

@@ -1,52 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "settings/profile_family.h"
 
-#include <cstdio>
+#include <climits>
 #include <cstdlib>
 #include <cwchar>
-#include <locale>
-#include <stdexcept>
 
-#include "base/environment_locale.h"
 #include "base/string_util.h"
 #include "base/transform.h"
 
 namespace {
 
-using Codec = std::codecvt<wchar_t, char, std::mbstate_t>;
-
-// The encoding of a named locale, which remembers how its last reading ended: at the end of a file
-// anything but whole characters means that the file ended in bytes that are no text.
-class RememberingCodec final : public std::codecvt_byname<wchar_t, char, std::mbstate_t> {
- public:
-  explicit RememberingCodec(const char* name) : codecvt_byname(name) {}
-  bool Succeeded() const { return m_succeeded; }
-
- protected:
-  result do_in(std::mbstate_t& state, const char* from, const char* from_end,
-               const char*& from_next, wchar_t* to, wchar_t* to_end,
-               wchar_t*& to_next) const override {
-    const result last =
-        codecvt_byname::do_in(state, from, from_end, from_next, to, to_end, to_next);
-    // The first bytes of a character may count as read, and are then kept in the state.
-    m_succeeded = last == ok && std::mbsinit(&state) != 0;
-    return last;
-  }
-
- private:
-  mutable bool m_succeeded = true;
-};
-
-// Owned by the locale it is put into.
-RememberingCodec* MakeEnvironmentCodec() {
-  const ScopedEnvironmentLocale environment;
-  try {
-    return new RememberingCodec(environment.Name());
-  } catch (const std::runtime_error&) {
-    // The C++ runtime may refuse a name that the C library knows.
-    return new RememberingCodec("C");
-  }
-}
+// What mbrtowc and wcrtomb return beside lengths.
+constexpr auto kNoCharacter = static_cast<std::size_t>(-1);
+constexpr auto kIncomplete = static_cast<std::size_t>(-2);
 
 }  // namespace
 
@@ -54,18 +20,31 @@ std::string WideFamily::FileName(const wchar_t* name) {
   return CCpTransform().ConvertUnicodeStringToANSI(name);
 }
 
-void WideFamily::Prepare(std::wios& stream) {
-  stream.imbue(std::locale(std::locale::classic(), MakeEnvironmentCodec()));
-}
-
-bool WideFamily::EndedInBadText(const std::wios& stream) {
-  const std::locale locale = stream.getloc();
-  const auto* codec = dynamic_cast<const RememberingCodec*>(&std::use_facet<Codec>(locale));
-  return codec != nullptr && !codec->Succeeded();
-}
-
 bool WideFamily::CanBeWritten(const wchar_t* text) {
   return *text == L'\0' || !CCpTransform().ConvertWCHARToANSIString(text).empty();
+}
+
+// The bytes are decoded here, because the C libraries' own wide streams differ at a file that ends
+// inside a character.
+ProfileInput WideFamily::Get(std::FILE* file, wchar_t& unit) {
+  std::mbstate_t state = {};
+  std::size_t length = kIncomplete;
+  char byte = 0;
+  while (length == kIncomplete) {
+    const ProfileInput input = NarrowFamily::Get(file, byte);
+    if (input != ProfileInput::kUnit) {
+      return std::mbsinit(&state) != 0 ? input : ProfileInput::kBadText;
+    }
+    length = std::mbrtowc(&unit, &byte, 1, &state);
+  }
+  return length == kNoCharacter ? ProfileInput::kBadText : ProfileInput::kUnit;
+}
+
+void WideFamily::Put(std::FILE* file, wchar_t unit) {
+  std::mbstate_t state = {};
+  char bytes[MB_LEN_MAX];
+  const std::size_t length = std::wcrtomb(bytes, unit, &state);
+  if (length != kNoCharacter) std::fwrite(bytes, 1, length, file);
 }
 
 void WideFamily::TrimLine(std::wstring& line) {
@@ -78,6 +57,18 @@ void WideFamily::TrimKeyPart(std::wstring& part) {
 
 long long WideFamily::ParseInt(const wchar_t* text) {
   return std::wcstoll(text, nullptr, 0);
+}
+
+// What cannot be read, a directory for one, is no text either.
+ProfileInput NarrowFamily::Get(std::FILE* file, char& unit) {
+  const int byte = std::getc(file);
+  if (byte == EOF) return std::ferror(file) != 0 ? ProfileInput::kBadText : ProfileInput::kEnd;
+  unit = static_cast<char>(byte);
+  return ProfileInput::kUnit;
+}
+
+void NarrowFamily::Put(std::FILE* file, char unit) {
+  std::putc(unit, file);
 }
 
 void NarrowFamily::TrimLine(std::string& line) {

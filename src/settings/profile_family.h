@@ -4,20 +4,25 @@
 #ifndef ZVISP_SETTINGS_PROFILE_FAMILY_H_
 #define ZVISP_SETTINGS_PROFILE_FAMILY_H_
 
-#include <ios>
+#include <cstdio>
 #include <string>
+
+#include "base/environment_locale.h"
+
+// What stands next in a file: a unit of the family, the end, or bytes that are no text.
+enum class ProfileInput { kUnit, kEnd, kBadText };
 
 struct WideFamily {
   using Char = wchar_t;
+  // Held while a file is open: its bytes are text in the encoding of the environment.
+  using Encoding = ScopedEnvironmentLocale;
 
   // The name to hand to the system; empty, which no file has, when the locale cannot write it.
   static std::string FileName(const wchar_t* name);
-  // Gives a stream that is not open yet the encoding of its file.
-  static void Prepare(std::wios& stream);
-  // True when the stream ended at bytes that are no text. The C++ runtimes show that in different
-  // ways, one of them as an ordinary end of the file.
-  static bool EndedInBadText(const std::wios& stream);
   static bool CanBeWritten(const wchar_t* text);
+
+  static ProfileInput Get(std::FILE* file, wchar_t& unit);
+  static void Put(std::FILE* file, wchar_t unit);
 
   // Header lines, and every line that is written back.
   static void TrimLine(std::wstring& line);
@@ -30,11 +35,13 @@ struct WideFamily {
 
 struct NarrowFamily {
   using Char = char;
+  struct Encoding {};
 
   static std::string FileName(const char* name) { return name; }
-  static void Prepare(std::ios& /*stream*/) {}
-  static bool EndedInBadText(const std::ios& /*stream*/) { return false; }
   static bool CanBeWritten(const char* /*text*/) { return true; }
+
+  static ProfileInput Get(std::FILE* file, char& unit);
+  static void Put(std::FILE* file, char unit);
 
   static void TrimLine(std::string& line);
   static void TrimKeyPart(std::string& /*part*/) {}

@@ -4,14 +4,9 @@
 #ifndef ZVISP_SETTINGS_PROFILE_READER_H_
 #define ZVISP_SETTINGS_PROFILE_READER_H_
 
-#include <fstream>
 #include <string>
 
-#include "settings/profile.h"
-
-// A line or a part of one, in the units of the family.
-template <typename Family>
-using ProfileText = std::basic_string<typename Family::Char>;
+#include "settings/profile_file.h"
 
 // The line that opens a section.
 template <typename Family>
@@ -19,44 +14,16 @@ ProfileText<Family> ProfileHeader(const typename Family::Char* section) {
   return typename Family::Char('[') + ProfileText<Family>(section) + typename Family::Char(']');
 }
 
-// A file's lines, one after another, as they stand in the file.
-template <typename Family>
-class ProfileLines {
- public:
-  // Opens the file. The encoding has to be set first: some runtimes ignore a change later on.
-  explicit ProfileLines(const typename Family::Char* file_name) {
-    Family::Prepare(m_stream);
-    m_stream.open(Family::FileName(file_name), std::ios::in);
-  }
-
-  bool IsOpen() const { return m_stream.is_open(); }
-
-  // False at the end of the file, at a line that is too long and at text that cannot be decoded.
-  bool Next(ProfileText<Family>& line) {
-    typename Family::Char buffer[kProfileValueCapacity];
-    if (!m_stream.getline(buffer, kProfileValueCapacity)) return false;
-    const bool is_last = m_stream.eof();
-    if (is_last && Family::EndedInBadText(m_stream)) return false;
-    // The count includes a line end; kept by count, a zero inside the line is only a character.
-    const auto count = static_cast<std::size_t>(m_stream.gcount());
-    line.assign(buffer, is_last ? count : count - 1);
-    return true;
-  }
-
- private:
-  std::basic_ifstream<typename Family::Char> m_stream;
-};
-
 // How a search ended. The two ways of not finding differ for the caller: only at the end of the
 // file does the default reach the output.
 enum class ProfileSearch { kFound, kSectionEnded, kFileEnded };
 
 // Goes through the lines of a section for the key and stores its value.
 template <typename Family>
-ProfileSearch FindInSection(ProfileLines<Family>& lines, const ProfileText<Family>& key,
+ProfileSearch FindInSection(ProfileFile<Family>& file, const ProfileText<Family>& key,
                             ProfileText<Family>& value) {
   constexpr typename Family::Char kEquals = '=';
-  for (ProfileText<Family> line; lines.Next(line);) {
+  for (ProfileText<Family> line; file.ReadLine(line);) {
     const std::size_t first_equals = line.find(kEquals);
     if (first_equals == line.npos) return ProfileSearch::kSectionEnded;
     ProfileText<Family> name = line.substr(0, first_equals);
@@ -71,11 +38,11 @@ ProfileSearch FindInSection(ProfileLines<Family>& lines, const ProfileText<Famil
 
 // Only the first section of the name counts, however it ends.
 template <typename Family>
-ProfileSearch FindInFile(ProfileLines<Family>& lines, const ProfileText<Family>& header,
+ProfileSearch FindInFile(ProfileFile<Family>& file, const ProfileText<Family>& header,
                          const ProfileText<Family>& key, ProfileText<Family>& value) {
-  for (ProfileText<Family> line; lines.Next(line);) {
+  for (ProfileText<Family> line; file.ReadLine(line);) {
     Family::TrimLine(line);
-    if (line == header) return FindInSection<Family>(lines, key, value);
+    if (line == header) return FindInSection<Family>(file, key, value);
   }
   return ProfileSearch::kFileEnded;
 }
@@ -87,13 +54,13 @@ unsigned int ReadProfileString(const typename Family::Char* section,
                                const typename Family::Char* default_value,
                                typename Family::Char* output,
                                const typename Family::Char* file_name) {
-  ProfileLines<Family> lines(file_name);
-  if (!lines.IsOpen()) {
+  ProfileFile<Family> file(file_name, "r");
+  if (!file.IsOpen()) {
     Family::ReportUnreadableFile();
     return 0;
   }
   ProfileText<Family> text;
-  const ProfileSearch search = FindInFile<Family>(lines, ProfileHeader<Family>(section), key, text);
+  const ProfileSearch search = FindInFile<Family>(file, ProfileHeader<Family>(section), key, text);
   if (search == ProfileSearch::kSectionEnded) return 0;
   if (search == ProfileSearch::kFileEnded) text = default_value;
   std::char_traits<typename Family::Char>::copy(output, text.c_str(), text.size() + 1);

@@ -5,7 +5,6 @@
 #define ZVISP_SETTINGS_PROFILE_WRITER_H_
 
 #include <cstdio>
-#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,30 +17,31 @@ template <typename Family>
 class ProfileRewrite {
  public:
   using Text = ProfileText<Family>;
-  using Stream = std::basic_ofstream<typename Family::Char>;
+  using File = ProfileFile<Family>;
 
   ProfileRewrite(const typename Family::Char* section, const typename Family::Char* key,
                  const typename Family::Char* value, const typename Family::Char* file_name)
       : m_header(ProfileHeader<Family>(section)), m_key(key), m_value(value) {
-    ProfileLines<Family> lines(file_name);
-    for (Text line; lines.Next(line);) {
+    File file(file_name, "r");
+    if (!file.IsOpen()) return;
+    for (Text line; file.ReadLine(line);) {
       m_lines.push_back(std::move(line));
     }
   }
 
   // Writes every line, and the key exactly where settings/profile.h says. Call it once: the lines
   // are used up.
-  void WriteTo(Stream& stream) {
+  void WriteTo(File& file) {
     bool section_found = false;
     while (m_next < m_lines.size()) {
       const Text line = TakeLine();
-      WriteLine(stream, line);
+      file.WriteLine(line);
       if (line != m_header) continue;
       section_found = true;
-      WriteSection(stream);
+      WriteSection(file);
     }
-    if (!section_found) WriteLine(stream, m_header);
-    if (!m_key_written) WriteKey(stream);
+    if (!section_found) file.WriteLine(m_header);
+    if (!m_key_written) WriteKey(file);
   }
 
  private:
@@ -49,19 +49,19 @@ class ProfileRewrite {
 
   // Goes on behind a header: to the key's line, or to the line that ends the section. That line is
   // not looked at again, so a header that directly follows opens no section here.
-  void WriteSection(Stream& stream) {
+  void WriteSection(File& file) {
     while (m_next < m_lines.size()) {
       const Text line = TakeLine();
       const std::size_t first_equals = line.find(kEquals);
       if (first_equals == line.npos) {
-        if (!m_key_written) WriteKey(stream);
-        return WriteLine(stream, line);
+        if (!m_key_written) WriteKey(file);
+        return file.WriteLine(line);
       }
       if (line.substr(0, first_equals) == m_key) {
         m_key_written = true;
-        return WriteLine(stream, line.substr(0, line.rfind(kEquals) + 1) + m_value);
+        return file.WriteLine(line.substr(0, line.rfind(kEquals) + 1) + m_value);
       }
-      WriteLine(stream, line);
+      file.WriteLine(line);
     }
   }
 
@@ -72,13 +72,10 @@ class ProfileRewrite {
     return line;
   }
 
-  void WriteKey(Stream& stream) {
+  void WriteKey(File& file) {
     m_key_written = true;
-    WriteLine(stream, m_key + kEquals + m_value);
+    file.WriteLine(m_key + kEquals + m_value);
   }
-
-  // Each line is flushed: a writer that is interrupted leaves whole lines.
-  static void WriteLine(Stream& stream, const Text& line) { stream << line << std::endl; }
 
   Text m_header;
   Text m_key;
@@ -93,19 +90,15 @@ template <typename Family>
 int WriteProfileString(const typename Family::Char* section, const typename Family::Char* key,
                        const typename Family::Char* value, const typename Family::Char* file_name) {
   for (const typename Family::Char* const text : {section, key, value}) {
-    // A stream that meets such a text writes nothing from there on: the rest would be lost.
     if (!Family::CanBeWritten(text)) return 0;
   }
   ProfileRewrite<Family> rewrite(section, key, value, file_name);
-  typename ProfileRewrite<Family>::Stream stream;
-  Family::Prepare(stream);
-  stream.open(Family::FileName(file_name), std::ios::out | std::ios::trunc);
-  if (!stream.is_open()) {
+  ProfileFile<Family> file(file_name, "w");
+  if (!file.IsOpen()) {
     std::printf("Open file error \n");
     return 0;
   }
-  rewrite.WriteTo(stream);
-  // The stream closes itself: its own close may throw when the encoding failed before.
+  rewrite.WriteTo(file);
   return 1;
 }
 

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+//
+// A text file of either family of settings/profile.h, read or written line by line.
+#ifndef ZVISP_SETTINGS_PROFILE_FILE_H_
+#define ZVISP_SETTINGS_PROFILE_FILE_H_
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "settings/profile.h"
+#include "settings/profile_family.h"
+
+// A line or a part of one, in the units of the family.
+template <typename Family>
+using ProfileText = std::basic_string<typename Family::Char>;
+
+// Closes itself. Nothing shows that a disk is full.
+template <typename Family>
+class ProfileFile {
+ public:
+  using Char = typename Family::Char;
+
+  // The mode is that of fopen.
+  ProfileFile(const Char* name, const char* mode)
+      : m_file(std::fopen(Family::FileName(name).c_str(), mode)) {}
+
+  bool IsOpen() const { return m_file != nullptr; }
+
+  // Takes the next line, without its end, as it stands in the file. False at the end of the file,
+  // at a line that is too long and at text that cannot be decoded; the file is then of no more use.
+  bool ReadLine(ProfileText<Family>& line) {
+    line.clear();
+    Char unit = 0;
+    ProfileInput input = Family::Get(m_file.get(), unit);
+    while (input == ProfileInput::kUnit && unit != kLineEnd) {
+      if (line.size() == kProfileValueCapacity - 1) return false;
+      line.push_back(unit);
+      input = Family::Get(m_file.get(), unit);
+    }
+    return input == ProfileInput::kUnit || (input == ProfileInput::kEnd && !line.empty());
+  }
+
+  // Each line is flushed: a writer that is interrupted leaves whole lines.
+  void WriteLine(const ProfileText<Family>& line) {
+    for (const Char unit : line) {
+      Family::Put(m_file.get(), unit);
+    }
+    Family::Put(m_file.get(), kLineEnd);
+    std::fflush(m_file.get());
+  }
+
+ private:
+  static constexpr Char kLineEnd = '\n';
+
+  struct Close {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+
+  typename Family::Encoding m_encoding;
+  std::unique_ptr<std::FILE, Close> m_file;
+};
+
+#endif  // ZVISP_SETTINGS_PROFILE_FILE_H_
