@@ -118,8 +118,9 @@ std::uint32_t RefreshHubDevice(Run& run) {
 
 std::uint32_t VerifyWithDeviceKey(Run& run) {
   unsigned char key[kDeviceKeyCapacity] = {};
-  const ZeroedPtr<Setting> copy = MakeCopy(*run.setting);
+  const ZeroedPtr<Setting> copy = MakeZeroed<Setting>();
   if (copy == nullptr) return kRecordNotAllocated;
+  CopyBytes(*copy, *run.setting);
   copy->ClearMapFW();
   std::printf("Get Key From Flash ...\n");
   const int result = run.isp.GetKeyFromFlash(copy.get(), key);

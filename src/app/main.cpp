@@ -13,12 +13,14 @@
 namespace {
 
 std::uint32_t ExecuteWithHeapRecords(const CCpIspArgsParse& parser) {
-  const auto setting = MakeCopy(parser.GetISPCmdSetting());
-  const auto sign_args = MakeCopy(parser.GetDigitalSignArgs());
+  const auto setting = MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>();
+  const auto sign_args = MakeZeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS>();
   if (setting == nullptr || sign_args == nullptr) {
     ShowResult(CP_ISPTOOL_ACTION_UNDEFINED, kRecordNotAllocated);
     return kRecordNotAllocated;
   }
+  CopyOntoFresh(*setting, parser.GetISPCmdSetting());
+  CopyBytes(*sign_args, parser.GetDigitalSignArgs());
   g_pstISPSetting = setting.get();
   g_pstDigitalSignArgs = sign_args.get();
   CCpZvString isp_plugin(L"PlugIn/libIsp.dylib");

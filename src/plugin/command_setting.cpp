@@ -17,13 +17,37 @@ constexpr std::uint8_t kUnsetByte = 0xFF;
 
 template <typename Array>
 void Zero(Array& array) {
-  ZeroBytes(array, sizeof array);
+  std::fill(std::begin(array), std::end(array), 0);
+}
+
+// What the record sets beside its sub-records. Two fields stay as the memory is, which MakeZeroed
+// clears.
+void SetDefaults(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
+  setting.enumActionType = CP_ISPTOOL_ACTION_UNDEFINED;
+  setting.enumDigitalSignatureType = 0;
+  setting.enumVersionLocationType = VERSION_LOCATION_NONE;
+  setting.enumUserDefinedVersionType = USER_DEFINED_VERSION_NONE;
+  setting.enumCommID = 0;
+  setting.enumEdpIspMode = EDP_ISP_MODE_NONE;
+  setting.bAutoSlaveAddr = -1;
+  setting.ucSlaveAddr = kDefaultSlaveAddress;
+  setting.bSearchFw = 0;
+  setting.bCompareVer = 0;
+  setting.bIspChannel = 0;
+  setting.enumBootCodeType = 0;
+  setting.enumIspMode = ISP_MODE_NONE;
+  setting.ulReserved = 0;
+  setting.ulProgStartBank = 0;
+  Zero(setting.szBootFwPath);
+  Zero(setting.wszSettingFilePath);
 }
 
 }  // namespace
 
 STRUCT_C_STYLE_FW_BANK_SETTING::STRUCT_C_STYLE_FW_BANK_SETTING() {
-  ZeroBytes(this, offsetof(STRUCT_C_STYLE_FW_BANK_SETTING, wszPath) + sizeof wszPath);
+  ulReserved = 0;
+  ulFileBank = 0;
+  Zero(wszPath);
 }
 
 STRUCT_C_STYLE_MAP_FW::STRUCT_C_STYLE_MAP_FW() {
@@ -69,26 +93,19 @@ STRUCT_MERGE_FW_INFO_SETTING::STRUCT_MERGE_FW_INFO_SETTING() {
   Zero(ucData);
 }
 
-// Two fields stay as the memory is, which MakeZeroed clears.
 // cppcheck-suppress uninitMemberVar
 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING() {
-  enumActionType = CP_ISPTOOL_ACTION_UNDEFINED;
-  enumDigitalSignatureType = 0;
-  enumVersionLocationType = VERSION_LOCATION_NONE;
-  enumUserDefinedVersionType = USER_DEFINED_VERSION_NONE;
-  enumCommID = 0;
-  enumEdpIspMode = EDP_ISP_MODE_NONE;
-  bAutoSlaveAddr = -1;
-  ucSlaveAddr = kDefaultSlaveAddress;
-  bSearchFw = 0;
-  bCompareVer = 0;
-  bIspChannel = 0;
-  enumBootCodeType = 0;
-  enumIspMode = ISP_MODE_NONE;
-  ulReserved = 0;
-  ulProgStartBank = 0;
-  Zero(szBootFwPath);
-  Zero(wszSettingFilePath);
+  SetDefaults(*this);
+}
+
+// A record of this kind begins to live with the memory; what is left to do is to set the values.
+template <>
+STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* ConstructOverZeros(void* zeros) {
+  auto* const setting = static_cast<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING*>(zeros);
+  ::new (&setting->stFlagSetting) STRUCT_FLAG_SETTING;
+  ::new (&setting->stI2CWriteAction) STRUCT_I2C_WRITE_ACTION_TYPE_SETTING;
+  SetDefaults(*setting);
+  return setting;
 }
 
 void STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::ClearMapFW() {

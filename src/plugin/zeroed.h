@@ -3,25 +3,30 @@
 // Construction of wire-format records over zeroed memory, so that no stale byte (padding and the
 // fields that the constructors leave alone) ever reaches a plug-in, and the same command always
 // gives the same bytes.
+//
+// The system hands out fresh memory as zeros and makes a page of it real when it is first touched.
+// The 256 bank entries of a command setting are 66 pages, of which a run needs one or two; to touch
+// them all would take a tenth of a run's start, so construction and copy leave the unused ones be.
 #ifndef ZVISP_PLUGIN_ZEROED_H_
 #define ZVISP_PLUGIN_ZEROED_H_
 
-#include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <type_traits>
 
-// Zeroes memory, and only reads what is zero already: the system hands out fresh pages as zeros
-// and gives them real memory at the first write, which for two records of 67 pages each takes
-// longer than all the rest of a run's start.
-void ZeroBytes(void* memory, std::size_t bytes);
+#include "plugin/command_setting.h"
 
-// Copies memory, block by block, and only reads the blocks that are the same already.
-void CopyDifferingBytes(void* to, const void* from, std::size_t bytes);
+// Constructs a record in memory that is all zero.
+template <typename Record>
+Record* ConstructOverZeros(void* zeros) {
+  return ::new (zeros) Record;
+}
 
-// Copies onto memory that is all zero, and does not even read it where the copy is zero too.
-void CopyBytesOntoZeros(void* to, const void* from, std::size_t bytes);
+// The same bytes as the constructor gives, without a look at the firmware map: it stays zero.
+template <>
+STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* ConstructOverZeros(void* zeros);
 
 // Gives a record made by MakeZeroed back to the heap.
 struct FreeZeroed {
@@ -36,16 +41,7 @@ template <typename Record>
 ZeroedPtr<Record> MakeZeroed() {
   static_assert(std::is_trivially_destructible_v<Record>);
   void* const memory = std::calloc(1, sizeof(Record));
-  return ZeroedPtr<Record>(memory == nullptr ? nullptr : ::new (memory) Record);
-}
-
-// A byte copy of a record on the heap, owned by the caller; null when memory is exhausted.
-template <typename Record>
-ZeroedPtr<Record> MakeCopy(const Record& from) {
-  static_assert(std::is_trivially_copyable_v<Record>);
-  void* const memory = std::calloc(1, sizeof(Record));
-  if (memory != nullptr) CopyBytesOntoZeros(memory, &from, sizeof(Record));
-  return ZeroedPtr<Record>(static_cast<Record*>(memory));
+  return ZeroedPtr<Record>(memory == nullptr ? nullptr : ConstructOverZeros<Record>(memory));
 }
 
 // A record that belongs to its holder. Memory exhaustion throws std::bad_alloc.
@@ -65,12 +61,16 @@ class Zeroed {
   ZeroedPtr<Record> m_record;
 };
 
-// Copies every byte of a record, padding included. Blocks that are the same already are only
-// read, for the reason given at ZeroBytes.
+// Copies every byte of a record, padding included.
 template <typename Record>
 void CopyBytes(Record& to, const Record& from) {
   static_assert(std::is_trivially_copyable_v<Record>);
-  CopyDifferingBytes(&to, &from, sizeof(Record));
+  std::memcpy(static_cast<void*>(&to), &from, sizeof(Record));
 }
+
+// Copies a record's bytes onto a fresh one, all but the bank entries from ulCount on. Of two
+// records that come from MakeZeroed and have never had more entries than now, that is every byte.
+void CopyOntoFresh(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& fresh,
+                   const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& from);
 
 #endif  // ZVISP_PLUGIN_ZEROED_H_

@@ -1,71 +1,78 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/zeroed.h"
 
-#include <algorithm>
 #include <cstring>
-#include <vector>
 
 #include "plugin/command_setting.h"
+#include "plugin/digital_sign_args.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// Neither a multiple of a page nor less than one.
-constexpr std::size_t kBytes = 3 * 4096 + 100;
+using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
+using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
 
-struct ByteCase {
-  std::size_t at;
-  unsigned char value;
-};
+constexpr std::size_t kSettingBytes = 275328;
 
-// The edges of the pages, and the last byte of all.
-constexpr ByteCase kSingleBytes[] = {{0, 1},    {4095, 2},  {4096, 3},
-                                     {8191, 4}, {12288, 5}, {kBytes - 1, 6}};
+// Where the bank entries stand.
+constexpr std::size_t kFirstBank = 72 + 1032;
+constexpr std::size_t kBankBytes = 1056;
+constexpr std::size_t kBehindBanks = 271440;
 
-TEST(Zeroed, ZeroesEveryByteAndNoneBehind) {
-  std::vector<unsigned char> memory(kBytes + 1, 0xA5);
-  ZeroBytes(memory.data(), kBytes);
-  EXPECT_EQ(std::count(memory.begin(), memory.end(), 0), static_cast<long>(kBytes));
-  EXPECT_EQ(memory[kBytes], 0xA5);
+ZeroedPtr<Setting> SettingFullOf(int byte, std::uint32_t entries) {
+  auto setting = MakeZeroed<Setting>();
+  std::memset(static_cast<void*>(setting.get()), byte, kSettingBytes);
+  setting->stMapFw.ulCount = entries;
+  return setting;
 }
 
-TEST(Zeroed, CopiesAByteThatDiffersWhereverItStands) {
-  for (const ByteCase& single : kSingleBytes) {
-    std::vector<unsigned char> from(kBytes, 0x11);
-    std::vector<unsigned char> to = from;
-    from[single.at] = single.value;
-    CopyDifferingBytes(to.data(), from.data(), kBytes);
-    EXPECT_EQ(to, from) << single.at;
+unsigned char ByteOf(const Setting& setting, std::size_t at) {
+  return reinterpret_cast<const unsigned char*>(&setting)[at];
+}
+
+TEST(Zeroed, ASettingHasTheBytesThatItsConstructorGivesOverZeros) {
+  void* const memory = std::calloc(1, sizeof(Setting));
+  ASSERT_NE(memory, nullptr);
+  const ZeroedPtr<Setting> constructed(::new (memory) Setting);
+  EXPECT_EQ(std::memcmp(MakeZeroed<Setting>().get(), constructed.get(), kSettingBytes), 0);
+}
+
+TEST(Zeroed, CopyBytesCopiesEveryByte) {
+  const auto from = SettingFullOf(0x5A, 0x5A5A5A5A);
+  const auto to = MakeZeroed<Setting>();
+  CopyBytes(*to, *from);
+  EXPECT_EQ(std::memcmp(to.get(), from.get(), kSettingBytes), 0);
+}
+
+TEST(Zeroed, CopyOntoFreshCopiesEveryByteOfAFullMapWhateverItsCount) {
+  for (const std::uint32_t entries : {256u, 257u, 0xFFFFFFFFu}) {
+    const auto from = SettingFullOf(0x5A, entries);
+    const auto to = MakeZeroed<Setting>();
+    CopyOntoFresh(*to, *from);
+    EXPECT_EQ(std::memcmp(to.get(), from.get(), kSettingBytes), 0) << entries;
   }
 }
 
-TEST(Zeroed, CopiesAByteOntoZerosWhereverItStands) {
-  for (const ByteCase& single : kSingleBytes) {
-    std::vector<unsigned char> from(kBytes);
-    from[single.at] = single.value;
-    std::vector<unsigned char> to(kBytes);
-    CopyBytesOntoZeros(to.data(), from.data(), kBytes);
-    EXPECT_EQ(to, from) << single.at;
+TEST(Zeroed, CopyOntoFreshLeavesTheUnusedBankEntriesOut) {
+  for (const std::uint32_t entries : {0u, 1u, 2u, 255u}) {
+    const auto from = SettingFullOf(0x5A, entries);
+    const auto to = MakeZeroed<Setting>();
+    CopyOntoFresh(*to, *from);
+    const std::size_t unused = kFirstBank + entries * kBankBytes;
+    EXPECT_EQ(std::memcmp(to.get(), from.get(), unused), 0) << entries;
+    for (std::size_t at = unused; at < kBehindBanks; ++at)
+      ASSERT_EQ(ByteOf(*to, at), 0) << entries << " entries, byte " << at;
+    for (std::size_t at = kBehindBanks; at < kSettingBytes; ++at)
+      ASSERT_EQ(ByteOf(*to, at), 0x5A) << entries << " entries, byte " << at;
   }
 }
 
-TEST(Zeroed, CopiesNothingBehindTheEnd) {
-  const std::vector<unsigned char> from(kBytes + 1, 0x77);
-  std::vector<unsigned char> to(kBytes + 1);
-  CopyBytesOntoZeros(to.data(), from.data(), kBytes);
-  EXPECT_EQ(to[kBytes - 1], 0x77);
-  EXPECT_EQ(to[kBytes], 0);
-}
-
-TEST(Zeroed, CopyOnTheHeapHasEveryByteOfTheRecord) {
-  using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
-  const auto original = MakeZeroed<Setting>();
-  std::memset(static_cast<void*>(original.get()), 0x5A, sizeof(Setting));
-  const auto copy = MakeCopy(*original);
-  ASSERT_NE(copy, nullptr);
-  EXPECT_NE(copy.get(), original.get());
-  EXPECT_EQ(std::memcmp(copy.get(), original.get(), 275328), 0);
+TEST(Zeroed, AHolderConstructsASignatureRecordWithoutAStaleByte) {
+  const Zeroed<SignArgs> args;
+  const auto* const bytes = reinterpret_cast<const unsigned char*>(&*args);
+  for (std::size_t at = 0; at < 1840; ++at)
+    ASSERT_EQ(bytes[at], 0) << at;
 }
 
 }  // namespace
