@@ -14,3 +14,9 @@ if(ZVISP_COVERAGE)
   add_compile_options(--coverage)
   add_link_options(--coverage)
 endif()
+
+# What ships is never instrumented, so tests of what ships leave such builds out.
+set(ZVISP_INSTRUMENTED FALSE)
+if(ZVISP_SANITIZE OR ZVISP_COVERAGE)
+  set(ZVISP_INSTRUMENTED TRUE)
+endif()

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "support/files.h"
+#include "support/run_tool.h"
 #include "support/scratch_dir.h"
 
 #include <gtest/gtest.h>
@@ -47,6 +48,20 @@ TEST(GetCurrentProcessDir, IsTheDirectoryOfTheLibraryThatHoldsTheAddress) {
 TEST(GetCurrentProcessDir, IsEmptyForAnAddressOfNoImage) {
   int on_the_stack = 0;
   EXPECT_EQ(ProcessDir(&on_the_stack), L"");
+}
+
+// Only some loaders call an executable by the name that it was started with.
+TEST(GetCurrentProcessDir, IsCutAtABackslashOrIsTheWorkingDirectoryForANameWithoutASlash) {
+  Command command;
+  command.program = PRINT_IMAGE_DIRECTORY;
+  command.name = "no-separator";
+  const std::string directory = RunCommand(command).out;
+  if (directory == fs::path(PRINT_IMAGE_DIRECTORY).parent_path().string() + "/") {
+    GTEST_SKIP() << "this platform's loader gives the full path";
+  }
+  EXPECT_EQ(directory, "./");
+  command.name = "some\\where";
+  EXPECT_EQ(RunCommand(command).out, "some\\/");
 }
 
 TEST(GetCurrentProcessDir, TakesNoMoreThan260BytesOfALibrarysName) {
