@@ -26,7 +26,7 @@ FOLDERS = ["base", "plugin", "settings", "firmware", "cmdline", "app"]
 HEADERS = {"export.h", "zeroed.h", "profile_file.h", "profile_reader.h", "profile_writer.h",
            "option_table.h"}
 NOT_BUILT_HERE = {"linux": "process_path_macos.cpp", "darwin": "process_path_linux.cpp"}
-UNIT_SECONDS, E2E_SECONDS, BUILD_SECONDS = 120, 600, 900
+UNIT_SECONDS, E2E_SECONDS, BUILD_SECONDS = 60, 300, 900
 MEMORY_LIMIT = 8 << 30  # of a mutant that grows without end
 
 FLIPS = {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "settings/profile_family.h"
 
+#include <stdio.h>
+
 #include <climits>
 #include <cstdlib>
 #include <cwchar>
@@ -13,6 +15,8 @@ namespace {
 // What mbrtowc and wcrtomb return beside lengths.
 constexpr auto kNoCharacter = static_cast<std::size_t>(-1);
 constexpr auto kIncomplete = static_cast<std::size_t>(-2);
+
+constexpr unsigned char kFirstBeyondAscii = 0x80;
 
 }  // namespace
 
@@ -28,16 +32,21 @@ bool WideFamily::CanBeWritten(const wchar_t* text) {
 // inside a character.
 ProfileInput WideFamily::Get(std::FILE* file, wchar_t& unit) {
   std::mbstate_t state = {};
-  std::size_t length = kIncomplete;
   char byte = 0;
-  while (length == kIncomplete) {
-    const ProfileInput input = NarrowFamily::Get(file, byte);
-    if (input != ProfileInput::kUnit) {
-      return std::mbsinit(&state) != 0 ? input : ProfileInput::kBadText;
-    }
-    length = std::mbrtowc(&unit, &byte, 1, &state);
+  ProfileInput input = NarrowFamily::Get(file, byte);
+  // What begins a character and is ASCII is that character, in the encoding of every locale.
+  if (input == ProfileInput::kUnit && static_cast<unsigned char>(byte) < kFirstBeyondAscii) {
+    unit = static_cast<wchar_t>(byte);
+    return ProfileInput::kUnit;
   }
-  return length == kNoCharacter ? ProfileInput::kBadText : ProfileInput::kUnit;
+  while (input == ProfileInput::kUnit) {
+    const std::size_t length = std::mbrtowc(&unit, &byte, 1, &state);
+    if (length != kIncomplete) {
+      return length == kNoCharacter ? ProfileInput::kBadText : ProfileInput::kUnit;
+    }
+    input = NarrowFamily::Get(file, byte);
+  }
+  return std::mbsinit(&state) != 0 ? input : ProfileInput::kBadText;
 }
 
 void WideFamily::Put(std::FILE* file, wchar_t unit) {
@@ -59,9 +68,10 @@ long long WideFamily::ParseInt(const wchar_t* text) {
   return std::wcstoll(text, nullptr, 0);
 }
 
-// What cannot be read, a directory for one, is no text either.
+// What cannot be read, a directory for one, is no text either. The file is not shared with another
+// thread, so it is not locked for each byte.
 ProfileInput NarrowFamily::Get(std::FILE* file, char& unit) {
-  const int byte = std::getc(file);
+  const int byte = getc_unlocked(file);
   if (byte == EOF) return std::ferror(file) != 0 ? ProfileInput::kBadText : ProfileInput::kEnd;
   unit = static_cast<char>(byte);
   return ProfileInput::kUnit;

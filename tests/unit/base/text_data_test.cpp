@@ -90,8 +90,8 @@ TEST(ConvetStringToByteArry, StoresTheNumbersBetweenCommas) {
 
 TEST(ConvetStringToByteArry, RefusesOtherPiecesAndKeepsTheBytesBeforeThem) {
   const ByteListRow kCases[] = {
-      {"1,256", 4, 0, {1}}, {"1,-1", 4, 0, {1}},      {"1,x", 4, 0, {1}},
-      {"1 ,2", 4, 0, {}},   {"1,2,3x", 4, 0, {1, 2}}, {" ", 4, 0, {}},
+      {"1,256", 4, 0, {1}},     {"1,-1", 4, 0, {1}}, {"1,x", 4, 0, {1}}, {"1 ,2", 4, 0, {}},
+      {"1,2,3x", 4, 0, {1, 2}}, {" ", 4, 0, {}},     {"1#2", 4, 0, {}},  {"1;2", 4, 0, {}},
   };
   for (const ByteListRow& row : kCases) {
     ExpectByteList(row);
