@@ -240,6 +240,11 @@ TEST_F(OptionScanner, FindsADashAmongTheLettersWithoutLongOptions) {
   EXPECT_EQ(Scan({"--x", "--", "-x"}), "- x @3: --x -- -x");
 }
 
+TEST_F(OptionScanner, TakesAnyCharacterForALetter) {
+  m_scanner.AddShortCmds("#1=");
+  EXPECT_EQ(Scan({"-#1", "-="}), "# 1 = @3: -#1 -=");
+}
+
 TEST_F(OptionScanner, ReadsOneDashAsLettersOutsideLongOnlyMode) {
   GivenLong({{"vx", kNoArgument, nullptr, 7}});
   m_scanner.AddShortCmds("vx");
@@ -330,6 +335,15 @@ TEST_F(OptionScanner, DoesNothingWhenAPieceIsAskedForTooEarly) {
   m_scanner.ExchangeAdjacentSubsequence(words.Vector());
   EXPECT_EQ(words.Order(), "a --fw");
   EXPECT_EQ(m_scanner.GetCmdIndex(), 1);
+}
+
+TEST_F(OptionScanner, KeepsItsPlaceWhenItGetsReadyInTheMiddleOfAScan) {
+  m_scanner.AddShortCmds("vx");
+  Words words({"-v", "-x"});
+  EXPECT_EQ(Step(words), 'v');
+  m_scanner.ParseCmdLineInital();
+  EXPECT_EQ(m_scanner.GetCmdIndex(), 2);
+  EXPECT_EQ(Step(words), 'x');
 }
 
 TEST_F(OptionScanner, StartsAFreshScanAfterReset) {

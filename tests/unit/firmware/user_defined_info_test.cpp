@@ -88,6 +88,7 @@ TEST(UserDefinedInfo, VersionNumbersAreJoinedWithDots) {
       {"RecordVersionMode=2\nVersion=2 10", "2.10"},
       {"RecordVersionMode=1\nVersion=0x10 010 -3", "16.8.-3"},
       {"RecordVersionMode=1\nVersion=7", "7"},
+      {"RecordVersionMode=1\nVersion=7   8", "7.8"},
       {"Version=1.2 3", "1.23"},
   };
   for (const auto& [lines, expected] : kCases) {

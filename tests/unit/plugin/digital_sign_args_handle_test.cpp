@@ -207,6 +207,15 @@ TEST_F(DigitalSignArgsHandle, SigningNeedsNoExistingSignatureFile) {
   EXPECT_EQ(args.szSignatureFile, Full("new.sig"));
 }
 
+TEST_F(DigitalSignArgsHandle, LooksForAHardwareSignKeyWithANameOfOneCharacter) {
+  Args args = Record({.type = 2, .sign_key = "k", .next_verify_key = "n.key"});
+  EXPECT_FALSE(Judge(args));
+  EXPECT_EQ(Printed(), "Digital signature: Zrv hw sign key file is not exist! @k\n");
+  GivenFile(m_directory / "k", "");
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignKeyFile, Full("k"));
+}
+
 TEST_F(DigitalSignArgsHandle, TakesADirectoryForAMissingFile) {
   GivenDirectory(m_directory / "keys");
   Args args = Record({.sign_key = "keys"});
