@@ -72,7 +72,7 @@ def negate_condition(line, code):
 def drop_statement(line, code):
     match = STATEMENT.match(code)
     if match:
-        yield match.group(1) + ";"
+        yield f"{match.group(1)};  // {match.group(2)}"
 
 
 def swap_arguments(line, code):

@@ -15,7 +15,7 @@
 template <typename Family>
 using ProfileText = std::basic_string<typename Family::Char>;
 
-// Closes itself. Nothing shows that a disk is full.
+// Closes itself. Nothing shows that a disk is full. Lines are for files that are open.
 template <typename Family>
 class ProfileFile {
  public:

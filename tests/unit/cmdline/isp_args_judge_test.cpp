@@ -110,6 +110,19 @@ TEST_F(IspArgsJudge, JudgesInItsOrderAndTellsTheFirstFault) {
   EXPECT_EQ(m_out, "");
 }
 
+TEST_F(IspArgsJudge, OnlyReadOrWriteSetsTheMergeType) {
+  constexpr std::size_t kMergeType = 20;
+  auto setting = m_parser->GetISPCmdSetting();
+  setting.enumMergeFwInfoType = 7;
+  m_parser->SetISPCmdSetting(setting);
+  STRUCT_CP_ISP_CMD_ARGS args = Action(0x200000);
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(Setting().U32(kMergeType), 7u);
+  args.ulReadWriteBits = 1;
+  EXPECT_EQ(Judge(args), 1);
+  EXPECT_EQ(Setting().U32(kMergeType), 0u);
+}
+
 TEST_F(IspArgsJudge, AHardwareModeIsReadAsOne) {
   ExpectRefused(Signature(kIsp, 2, "3"),
                 "Parameter out of range! --dsmode 3 \nDigital signature mode is illegal!\n");

@@ -326,6 +326,12 @@ TEST_F(OptionScanner, IgnoresUnitsWithoutANameAndANullString) {
   EXPECT_EQ(Scan({"--fw", "--f"}), "2 2 @3: --fw --f");
 }
 
+TEST_F(OptionScanner, TakesANullStringForNoLetters) {
+  m_scanner.AddShortCmds(nullptr);
+  Words words({"-#"});
+  EXPECT_EQ(Printed(words), "prog: invalid option -- '#'\n");
+}
+
 TEST_F(OptionScanner, DoesNothingWhenAPieceIsAskedForTooEarly) {
   GivenLong({{"fw", kNoArgument, nullptr, 2}});
   m_scanner.AddShortCmds("v");
@@ -344,6 +350,16 @@ TEST_F(OptionScanner, KeepsItsPlaceWhenItGetsReadyInTheMiddleOfAScan) {
   m_scanner.ParseCmdLineInital();
   EXPECT_EQ(m_scanner.GetCmdIndex(), 2);
   EXPECT_EQ(Step(words), 'x');
+}
+
+TEST_F(OptionScanner, KeepsTheRunOfNonOptionsWhenItIsMovedByHand) {
+  m_scanner.AddShortCmds("v");
+  Words words({"a", "-v"});
+  EXPECT_EQ(Step(words), 'v');
+  m_scanner.ExchangeAdjacentSubsequence(words.Vector());
+  EXPECT_EQ(words.Order(), "-v a");
+  EXPECT_EQ(Step(words), -1);
+  EXPECT_EQ(m_scanner.GetCmdIndex(), 2);
 }
 
 TEST_F(OptionScanner, StartsAFreshScanAfterReset) {
