@@ -23,7 +23,7 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ["base", "plugin", "settings", "firmware", "cmdline", "app"]
 # Headers that hold code; the others only declare, and their values are proved at compile time.
-HEADERS = {"export.h", "zeroed.h", "profile_file.h", "profile_reader.h", "profile_writer.h",
+HEADERS = {"export.h", "zeroed.h", "profile_stream.h", "profile_reader.h", "profile_writer.h",
            "option_table.h"}
 NOT_BUILT_HERE = {"linux": "process_path_macos.cpp", "darwin": "process_path_linux.cpp"}
 UNIT_SECONDS, E2E_SECONDS, BUILD_SECONDS = 60, 300, 900

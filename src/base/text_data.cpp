@@ -92,8 +92,7 @@ std::vector<char> ToLocaleBytes(const wchar_t* text, std::size_t size) {
   if (size == 0) size = std::wcsrtombs(nullptr, &from, 0, &state);
   if (size == kMeasurementFailed) return {};
   std::vector<char> bytes(size + 1);
-  state = {};
-  from = text;
+  // To measure moves neither the text nor the state.
   static_cast<void>(std::wcsrtombs(bytes.data(), &from, size, &state));
   return bytes;
 }

@@ -48,8 +48,7 @@ std::vector<char> NarrowInEnvironmentLocale(const wchar_t* text) {
   const std::size_t length = std::wcsrtombs(nullptr, &from, 0, &state);
   if (length == kConversionFailed) return {};
   std::vector<char> narrow(length + 1);
-  state = {};
-  from = text;
+  // To measure moves neither the text nor the state.
   if (std::wcsrtombs(narrow.data(), &from, length, &state) == kConversionFailed) return {};
   return narrow;
 }

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "settings/profile_file.h"
+#include "settings/profile_stream.h"
 
 // The line that opens a section.
 template <typename Family>
@@ -20,7 +20,7 @@ enum class ProfileSearch { kFound, kSectionEnded, kFileEnded };
 
 // Goes through the lines of a section for the key and stores its value.
 template <typename Family>
-ProfileSearch FindInSection(ProfileFile<Family>& file, const ProfileText<Family>& key,
+ProfileSearch FindInSection(ProfileStream<Family>& file, const ProfileText<Family>& key,
                             ProfileText<Family>& value) {
   constexpr typename Family::Char kEquals = '=';
   for (ProfileText<Family> line; file.ReadLine(line);) {
@@ -38,7 +38,7 @@ ProfileSearch FindInSection(ProfileFile<Family>& file, const ProfileText<Family>
 
 // Only the first section of the name counts, however it ends.
 template <typename Family>
-ProfileSearch FindInFile(ProfileFile<Family>& file, const ProfileText<Family>& header,
+ProfileSearch FindInFile(ProfileStream<Family>& file, const ProfileText<Family>& header,
                          const ProfileText<Family>& key, ProfileText<Family>& value) {
   for (ProfileText<Family> line; file.ReadLine(line);) {
     Family::TrimLine(line);
@@ -54,7 +54,7 @@ unsigned int ReadProfileString(const typename Family::Char* section,
                                const typename Family::Char* default_value,
                                typename Family::Char* output,
                                const typename Family::Char* file_name) {
-  ProfileFile<Family> file(file_name, "r");
+  ProfileStream<Family> file(file_name, "r");
   if (!file.IsOpen()) {
     Family::ReportUnreadableFile();
     return 0;

@@ -17,12 +17,12 @@ template <typename Family>
 class ProfileRewrite {
  public:
   using Text = ProfileText<Family>;
-  using File = ProfileFile<Family>;
+  using Stream = ProfileStream<Family>;
 
   ProfileRewrite(const typename Family::Char* section, const typename Family::Char* key,
                  const typename Family::Char* value, const typename Family::Char* file_name)
       : m_header(ProfileHeader<Family>(section)), m_key(key), m_value(value) {
-    File file(file_name, "r");
+    Stream file(file_name, "r");
     if (!file.IsOpen()) return;
     for (Text line; file.ReadLine(line);) {
       m_lines.push_back(std::move(line));
@@ -31,7 +31,7 @@ class ProfileRewrite {
 
   // Writes every line, and the key exactly where settings/profile.h says. Call it once: the lines
   // are used up.
-  void WriteTo(File& file) {
+  void WriteTo(Stream& file) {
     bool section_found = false;
     while (m_next < m_lines.size()) {
       const Text line = TakeLine();
@@ -49,7 +49,7 @@ class ProfileRewrite {
 
   // Goes on behind a header: to the key's line, or to the line that ends the section. That line is
   // not looked at again, so a header that directly follows opens no section here.
-  void WriteSection(File& file) {
+  void WriteSection(Stream& file) {
     while (m_next < m_lines.size()) {
       const Text line = TakeLine();
       const std::size_t first_equals = line.find(kEquals);
@@ -72,7 +72,7 @@ class ProfileRewrite {
     return line;
   }
 
-  void WriteKey(File& file) {
+  void WriteKey(Stream& file) {
     m_key_written = true;
     file.WriteLine(m_key + kEquals + m_value);
   }
@@ -93,7 +93,7 @@ int WriteProfileString(const typename Family::Char* section, const typename Fami
     if (!Family::CanBeWritten(text)) return 0;
   }
   ProfileRewrite<Family> rewrite(section, key, value, file_name);
-  ProfileFile<Family> file(file_name, "w");
+  ProfileStream<Family> file(file_name, "w");
   if (!file.IsOpen()) {
     std::printf("Open file error \n");
     return 0;

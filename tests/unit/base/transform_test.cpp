@@ -28,6 +28,7 @@ constexpr struct {
     {L"", ""},
     {L"plain.bin", "plain.bin"},
     {L"\x01\x7F", "\x01\x7F"},
+    {L"\u0080", "\xC2\x80"},
     {L"\u0080\u07FF", "\xC2\x80\xDF\xBF"},
     {L"\u0800\uFFFD", "\xE0\xA0\x80\xEF\xBF\xBD"},
     {L"\U00010000\U0010FFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},

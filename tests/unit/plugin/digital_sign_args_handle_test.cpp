@@ -153,6 +153,8 @@ TEST_F(DigitalSignArgsHandle, AcceptsEachCompleteRequestWithoutAWord) {
       {.action = 2, .sw_mode = 4, .next_verify_key = "n.key"},
       {.action = 1, .type = 2, .sw_mode = 1, .sign_key = "s.key", .next_verify_key = "n.key"},
       {.action = 1, .type = 2, .sw_mode = 0, .next_verify_key = "n.key"},
+      {.action = 1, .type = 0},
+      {.action = 2, .type = 3},
   };
   for (const Request& request : kCases) {
     Args args = Record(request);

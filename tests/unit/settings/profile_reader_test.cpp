@@ -42,6 +42,15 @@ TEST(ProfileReader, FindsTheValueOfAKeyWithBlanksAtBothEndsRemoved) {
   });
 }
 
+TEST(ProfileReader, CopiesTheValueWithItsZeroAndNothingBehind) {
+  const ProfileFile file("[S]\nk=abc\n");
+  std::wstring output(kProfileValueCapacity, L'#');
+  EXPECT_EQ(CpZvGetPrivateProfileStringW(L"S", L"k", L"", output.data(), kProfileValueCapacity,
+                                         file.WidePath().c_str()),
+            3u);
+  EXPECT_EQ(output.substr(0, 6), std::wstring(L"abc\0##", 6));
+}
+
 TEST(ProfileReader, TheValueStandsBehindTheLastEqualsSign) {
   ExpectReads({
       {"[S]\nk=a=b=c\n", {1, L"c"}},

@@ -103,6 +103,14 @@ TEST(ProfileWriter, AKeyBelowAnEmptyLineIsDoubledAndTheReaderSeesTheNewOne) {
   EXPECT_EQ(file.Read(L"S", L"a"), (ProfileRead{1, L"5"}));
 }
 
+TEST(ProfileWriter, AnyTextMayBeEmpty) {
+  const ProfileFile file("[S]\na=1\n");
+  EXPECT_EQ(file.Write(L"S", L"a", L""), 1);
+  EXPECT_EQ(file.Write(L"S", L"", L"5"), 1);
+  EXPECT_EQ(file.Write(L"", L"b", L"6"), 1);
+  EXPECT_EQ(file.Content(), "[S]\na=\n=5\n[]\nb=6\n");
+}
+
 TEST(ProfileWriter, AMissingFileIsCreated) {
   const ProfileFile file;
   EXPECT_EQ(OutputOf([&] { EXPECT_EQ(file.Write(L"S", L"a", L"5"), 1); }), "");

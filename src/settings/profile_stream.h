@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // A text file of either family of settings/profile.h, read or written line by line.
-#ifndef ZVISP_SETTINGS_PROFILE_FILE_H_
-#define ZVISP_SETTINGS_PROFILE_FILE_H_
+#ifndef ZVISP_SETTINGS_PROFILE_STREAM_H_
+#define ZVISP_SETTINGS_PROFILE_STREAM_H_
 
 #include <cstdio>
 #include <memory>
@@ -17,12 +17,12 @@ using ProfileText = std::basic_string<typename Family::Char>;
 
 // Closes itself. Nothing shows that a disk is full. Lines are for files that are open.
 template <typename Family>
-class ProfileFile {
+class ProfileStream {
  public:
   using Char = typename Family::Char;
 
   // The mode is that of fopen.
-  ProfileFile(const Char* name, const char* mode)
+  ProfileStream(const Char* name, const char* mode)
       : m_file(std::fopen(Family::FileName(name).c_str(), mode)) {}
 
   bool IsOpen() const { return m_file != nullptr; }
@@ -61,4 +61,4 @@ class ProfileFile {
   std::unique_ptr<std::FILE, Close> m_file;
 };
 
-#endif  // ZVISP_SETTINGS_PROFILE_FILE_H_
+#endif  // ZVISP_SETTINGS_PROFILE_STREAM_H_
