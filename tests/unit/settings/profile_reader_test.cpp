@@ -146,6 +146,7 @@ TEST(ProfileReader, BytesThatAreNoTextEndTheFileBeforeTheirLine) {
       {"[S]\nk=ab\xFF\n", kDefault},
       {"[S]\nk=ab\xC3", kDefault},
       {"[S]\nk=ab\xC3\nj=2\n", kDefault},
+      {"[S]\nk=ab\x80\n", kDefault},
       {"\xFF[S]\nk=1\n", kDefault},
       {"[S]\nk=ab\xED\xA0\x80\n", kDefault},
       {std::string(20000, '\n') + "[S]\nk=ab\xFF", kDefault},
