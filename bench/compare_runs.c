@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Runs two commands in turn, so that a busy machine slows both alike, and prints their times, their
-// peak memory and the ratio of the first to the second. Their standard output is dropped.
+// peak memory and the ratio of the first to the second. What they print is dropped.
 // Usage: compare_runs RUNS NAME COMMAND... -- NAME COMMAND...
 #include <fcntl.h>
 #include <spawn.h>
@@ -70,6 +70,7 @@ int main(int argc, char** argv) {
   posix_spawn_file_actions_t quiet;
   posix_spawn_file_actions_init(&quiet);
   posix_spawn_file_actions_addopen(&quiet, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_adddup2(&quiet, STDOUT_FILENO, STDERR_FILENO);
   for (int i = 0; i < 2; ++i)
     sides[i].micros = calloc((size_t)runs, sizeof(double));
   if (sides[0].micros == NULL || sides[1].micros == NULL) return 1;
