@@ -62,5 +62,10 @@ if(ZVISP_HAS_GLIBC AND NOT ZVISP_SANITIZE)
   target_compile_definitions(e2e PRIVATE ZVISP_FAILING_CALLOC="$<TARGET_FILE:failing_calloc>")
   add_dependencies(e2e failing_calloc)
 endif()
+add_test(NAME e2e_flash_one.VerdictIsRightInEveryCase COMMAND
+  ${CMAKE_CURRENT_SOURCE_DIR}/e2e/flash_one_test.sh $<TARGET_FILE:zvisp>
+  $<TARGET_FILE:recording_isp> ${PROJECT_SOURCE_DIR}/examples/flash-one.sh)
+set_tests_properties(e2e_flash_one.VerdictIsRightInEveryCase PROPERTIES LABELS e2e TIMEOUT 120)
+
 # A thousand runs at once take their time on a busy machine or with a sanitizer.
 gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 300)

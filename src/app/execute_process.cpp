@@ -128,7 +128,7 @@ std::uint32_t VerifyWithDeviceKey(Run& run) {
   return Verify(run, reinterpret_cast<char*>(key));
 }
 
-// Nothing is programmed before its software signature has been verified.
+// Verifies the file of --fw alone: not the other slots, not in factory mode, no hardware signature.
 std::uint32_t CheckSignature(Run& run) {
   if (run.setting->enumIspMode != ISP_MODE_NORMAL) return 0;
   if (run.setting->enumDigitalSignatureType != CP_DIGITAL_SIGNATURE_SW) return 0;

@@ -10,10 +10,13 @@ trap 'rm -rf "$work"' EXIT
 ZVISP_SIM_DIR=$work/displays
 export ZVISP_SIM_DIR
 
+# Success is the status 0 and the line at the end; a refused command line ends with 0 too.
+success=$(printf '\033[32mSuccess\n\033[m')
 run() {
-  # The line is what tells success; a refused command line ends with 0 too.
-  "$tool" "$@" >"$work/said" || true
-  grep -q Success "$work/said" || { cat "$work/said"; exit 1; }
+  if ! "$tool" "$@" >"$work/said" || [ "$(tail -c 16 "$work/said")" != "$success" ]; then
+    cat "$work/said"
+    exit 1
+  fi
 }
 
 cd "$work"

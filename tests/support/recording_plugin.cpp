@@ -72,7 +72,11 @@ RecordedCall& RecordedCall::Overwrite(void* record, std::size_t size) {
 
 int RecordedCall::Answer(int success) {
   if (const char* text = Wish("PRINT")) std::fputs(text, stdout);
-  if (const char* signal = Wish("CRASH")) std::raise(static_cast<int>(Number(signal)));
+  if (const char* signal = Wish("CRASH")) {
+    // What the call printed reaches the reader before the crash, as with a plug-in that flushes.
+    std::fflush(stdout);
+    std::raise(static_cast<int>(Number(signal)));
+  }
   const char* const result = Wish("RESULT_" + m_name);
   return result == nullptr ? success : static_cast<int>(Number(result));
 }
