@@ -44,6 +44,8 @@ install(FILES completions/zvisp.fish
 add_library(zvisp_plugin_api INTERFACE)
 add_library(zvisp::plugin ALIAS zvisp_plugin_api)
 set_target_properties(zvisp_plugin_api PROPERTIES EXPORT_NAME plugin)
+# The headers are C11, and C++11 for those who write a plug-in in C++.
+target_compile_features(zvisp_plugin_api INTERFACE c_std_11 cxx_std_11)
 target_include_directories(zvisp_plugin_api INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zvisp>)

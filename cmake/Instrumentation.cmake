@@ -15,8 +15,13 @@ if(ZVISP_COVERAGE)
   add_link_options(--coverage)
 endif()
 
+if(ZVISP_BUILD_FUZZERS)
+  # The fuzzer steers by the branches that an input takes in our code.
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # What ships is never instrumented, so tests of what ships leave such builds out.
 set(ZVISP_INSTRUMENTED FALSE)
-if(ZVISP_SANITIZE OR ZVISP_COVERAGE)
+if(ZVISP_SANITIZE OR ZVISP_COVERAGE OR ZVISP_BUILD_FUZZERS)
   set(ZVISP_INSTRUMENTED TRUE)
 endif()

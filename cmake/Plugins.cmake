@@ -12,7 +12,7 @@ function(zvisp_add_plugin target)
     LIBRARY_OUTPUT_DIRECTORY ${PLUGIN_DIRECTORY})
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(${target} PRIVATE
-    zvisp_product_warnings zvisp_hardening zvisp_static_runtime ${PLUGIN_LIBRARIES})
+    zvisp_product zvisp_static_runtime ${PLUGIN_LIBRARIES})
   # gcc marks some symbols of its headers as unique in the process, and the loader then never
   # unloads the library.
   target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)

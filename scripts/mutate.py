@@ -126,7 +126,8 @@ class Tree:
         # Mutants are built far more often than they run.
         lists = self.source / "src" / "CMakeLists.txt"
         lists.write_text("add_compile_options(-O0 -w)\n" + lists.read_text())
-        command = ["cmake", "-G", "Ninja", "-S", self.source, "-B", self.build]
+        command = ["cmake", "-G", "Ninja", "-S", self.source, "-B", self.build,
+                   "-DZVISP_BUILD_TESTS=ON"]
         if shutil.which("ccache"):
             command.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
         if shutil.which("ld.lld") and sys.platform == "linux":

@@ -4,7 +4,7 @@ if(TARGET sign_reference)
   set(signer_files
     ZVISP_SIGNER_FILE="$<TARGET_FILE:sign_reference>"
     ZVISP_SIGNER_DATA_DIR="${CMAKE_CURRENT_SOURCE_DIR}/data/signer")
-  zvisp_add_unit_tests(simulator/signer LIBRARY plugin)
+  zvisp_add_unit_tests(simulator/signer LIBRARY zvisp_plugin)
   add_dependencies(unit_simulator_signer sign_reference)
   target_compile_definitions(unit_simulator_signer PRIVATE ${signer_files})
 endif()

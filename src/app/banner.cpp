@@ -5,7 +5,7 @@
 
 #include "plugin/command_setting.h"
 
-const unsigned char g_ucszVersion[3] = {1, 0, 9};
+const unsigned char g_ucszVersion[3] = {ZVISP_VERSION};
 
 void ShowToolVersion() {
   std::printf(

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-// The tool's version: 1, 0, 9.
+// The tool's version, such as 1, 0, 9; the build hands it in.
 extern const unsigned char g_ucszVersion[3];
 
 // Prints the tool's title, version and legal notice in yellow, one line.
