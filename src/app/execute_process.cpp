@@ -18,6 +18,7 @@ STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* g_pstDigitalSignArgs = nullptr;
 void (*g_funcReturnProg)(int percent) = nullptr;
 void (*g_funcShowMsg)(wchar_t* message) = nullptr;
 void* (*g_funcZvGetHubDev)() = nullptr;
+void (*g_funcBeforeIspCall)(const char* exportName) = nullptr;
 
 namespace {
 
@@ -31,30 +32,37 @@ constexpr unsigned int kBootFirmwareSlot = 0;
 struct Run {
   Setting* setting;
   STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* sign_args;
-  CCpZvString directory;  // the executable's, ending in "/"
   CCpZvString sign_plugin_path;
   void* device;
   CCpIsp isp;
   CCpSignVerify sign_verify;
 };
 
-// Without the executable's directory there is no plug-in beside it: a bare name would make the
-// loader look in the working directory.
-CCpZvString BesideExecutable(const CCpZvString& directory, const CCpZvString& name) {
+// Without a directory there is no plug-in in it: a bare name would make the loader look in the
+// working directory.
+CCpZvString InDirectory(const CCpZvString& directory, const CCpZvString& name) {
   return directory.IsEmpty() ? CCpZvString() : directory + name;
+}
+
+// Every call that gets a record is made here. A call that is not bound enters no plug-in, so the
+// host does not hear of it.
+template <typename IspExport, typename... Arguments>
+int CallPlugIn(const IspExport& call, Arguments... arguments) {
+  if (g_funcBeforeIspCall != nullptr && call.IsBound()) g_funcBeforeIspCall(call.Symbol());
+  return call(arguments...);
 }
 
 template <auto kExport>
 int Call(CCpIsp& isp, Setting* setting) {
-  return (isp.*kExport)(setting);
+  return CallPlugIn(isp.*kExport, setting);
 }
 
 int MergeFwInfo(CCpIsp& isp, Setting* setting) {
   switch (setting->enumMergeFwInfoType) {
     case CP_MERGE_FW_INFO_WRITE:
-      return isp.SetMergeFwInfo(setting);
+      return CallPlugIn(isp.SetMergeFwInfo, setting);
     case CP_MERGE_FW_INFO_READ:
-      return isp.GetMergeFwInfo(setting, nullptr);
+      return CallPlugIn(isp.GetMergeFwInfo, setting, nullptr);
     default:
       return 0;
   }
@@ -99,7 +107,7 @@ std::uint32_t Dispatch(Run& run) {
 }
 
 std::uint32_t LoadSignPlugIn(Run& run) {
-  return LoadSignVerfiyDll(run.sign_verify, run.directory, run.sign_plugin_path);
+  return LoadSignVerfiyDll(run.sign_verify, {}, run.sign_plugin_path);
 }
 
 std::uint32_t Verify(Run& run, char* key) {
@@ -123,7 +131,7 @@ std::uint32_t VerifyWithDeviceKey(Run& run) {
   CopyBytes(*copy, *run.setting);
   copy->ClearMapFW();
   std::printf("Get Key From Flash ...\n");
-  const int result = run.isp.GetKeyFromFlash(copy.get(), key);
+  const int result = CallPlugIn(run.isp.GetKeyFromFlash, copy.get(), key);
   if (result != 0) return static_cast<std::uint32_t>(result);
   return Verify(run, reinterpret_cast<char*>(key));
 }
@@ -156,14 +164,14 @@ std::uint32_t ProgramBootCode(Run& run) {
   if (parser == nullptr || boot_setting == nullptr) return kRecordNotAllocated;
   boot_setting->enumActionType = CP_ISPTOOL_ACTION_ISP;
   parser->SetISPCmdSetting(*boot_setting);
-  parser->SetCurrentDir(run.directory.GetUtf8String());
+  parser->SetCurrentDir(GetCurrentProcessDir(nullptr).GetUtf8String());
   parser->InsertCommandFwFile(kBootFirmwareSlot, run.setting->szBootFwPath);
   FwBankMap bank_map;
   // A refusal has printed its reason; the plug-in then gets a map without that file.
   static_cast<void>(parser->JudgeFwMap(bank_map));
   CopyBytes(*boot_setting, parser->GetISPCmdSetting());
   CopyMapFwToCStyleStruct(boot_setting->stMapFw, bank_map);
-  return static_cast<std::uint32_t>(run.isp.IspFlash(boot_setting.get()));
+  return static_cast<std::uint32_t>(CallPlugIn(run.isp.IspFlash, boot_setting.get()));
 }
 
 std::uint32_t ProgramBootCodeInFactory(Run& run) {
@@ -196,13 +204,21 @@ std::uint32_t RunOnDevice(Run& run, const CCpZvString& isp_plugin_path) {
 std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
                              STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs, CCpZvString& ispPlugIn,
                              CCpZvString& signPlugIn, void* device) {
-  Run run = {setting, signArgs, GetCurrentProcessDir(nullptr), {}, device, {}, {}};
-  run.sign_plugin_path = BesideExecutable(run.directory, signPlugIn);
+  return ExecuteProcessFrom(GetCurrentProcessDir(nullptr), setting, signArgs, ispPlugIn, signPlugIn,
+                            device);
+}
+
+std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
+                                 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
+                                 STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
+                                 const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
+                                 void* device) {
+  Run run = {setting, signArgs, InDirectory(plugInDirectory, signPlugIn), device, {}, {}};
   if (setting->enumActionType == CP_ISPTOOL_ACTION_SIGN ||
       setting->enumActionType == CP_ISPTOOL_ACTION_VERIFY) {
     return SignOrVerifyFile(run);
   }
-  return RunOnDevice(run, BesideExecutable(run.directory, ispPlugIn));
+  return RunOnDevice(run, InDirectory(plugInDirectory, ispPlugIn));
 }
 
 std::uint32_t LoadSignVerfiyDll(CCpSignVerify& signVerify, CCpZvString /*directory*/,

@@ -28,6 +28,11 @@ extern void (*g_funcReturnProg)(int percent);
 extern void (*g_funcShowMsg)(wchar_t* message);
 extern void* (*g_funcZvGetHubDev)();
 
+// A host that keeps a record of its runs sets this: it is called with the export's name directly
+// before every call that hands a record to the ISP plug-in (the boot code's, the key's, the
+// action's), and not for an export that the plug-in lacks. This tool leaves it null.
+extern void (*g_funcBeforeIspCall)(const char* exportName);
+
 // Runs the action of `setting` and returns its result code. The plug-in names are relative to the
 // executable's directory; `device` is handed to the ISP plug-in and may be null. Prints what the
 // plug-in loaders print, and "Get Key From Flash ...\n" before it reads a key from the device.
@@ -35,6 +40,14 @@ extern void* (*g_funcZvGetHubDev)();
 std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
                              STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs, CCpZvString& ispPlugIn,
                              CCpZvString& signPlugIn, void* device);
+
+// The same with the plug-ins in a directory of the host's choice, which ends in "/"; empty, no
+// plug-in is found. The boot code's name is still resolved against the executable's directory.
+std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
+                                 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
+                                 STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
+                                 const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
+                                 void* device);
 
 // Loads the signature plug-in from plugInPath; the directory is not used. Returns 0, or 16388
 // after the loader's message.

@@ -9,14 +9,20 @@
 #include <cstddef>
 #include <type_traits>
 
-// What binding needs to know of an export: its address in the loaded library, null when unbound.
+// What binding needs to know of an export: its address in the loaded library, null when unbound,
+// and the symbol that it was found by.
 class ExportSlot {
  public:
   bool IsBound() const { return m_address != nullptr; }
-  void Bind(void* address) { m_address = address; }
+  const char* Symbol() const { return m_symbol; }
+  void Bind(void* address, const char* symbol) {
+    m_address = address;
+    m_symbol = symbol;
+  }
 
  protected:
   void* m_address = nullptr;
+  const char* m_symbol = "";
 };
 
 // An export with its C signature. Calling it calls the plug-in; unbound it answers kUnbound, or
@@ -55,7 +61,7 @@ ExportSlot& Slot(Proxy& proxy) {
 template <typename Proxy, std::size_t kRows>
 void UnbindExports(Proxy& proxy, const ExportRow<Proxy> (&table)[kRows]) {
   for (const ExportRow<Proxy>& row : table)
-    row.slot(proxy).Bind(nullptr);
+    row.slot(proxy).Bind(nullptr, row.symbol);
 }
 
 // Looks the table's symbols up in row order. Stops at the first required one that the library
@@ -65,7 +71,7 @@ bool BindExports(void* library, Proxy& proxy, const ExportRow<Proxy> (&table)[kR
   for (const ExportRow<Proxy>& row : table) {
     void* const address = dlsym(library, row.symbol);
     if (address == nullptr && row.need == ExportNeed::kRequired) return false;
-    row.slot(proxy).Bind(address);
+    row.slot(proxy).Bind(address, row.symbol);
   }
   return true;
 }

@@ -38,6 +38,7 @@ class DispatcherTest : public testing::Test {
     g_funcReturnProg = nullptr;
     g_funcShowMsg = nullptr;
     g_funcZvGetHubDev = nullptr;
+    g_funcBeforeIspCall = nullptr;
   }
 
   // Copies, so that each test has libraries that nobody else has loaded.
