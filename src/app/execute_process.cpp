@@ -10,6 +10,7 @@
 #include "base/path.h"
 #include "cmdline/isp_args_parse.h"
 #include "firmware/bank_map.h"
+#include "plugin/fresh_setting.h"
 #include "plugin/isp_plugin.h"
 #include "plugin/zeroed.h"
 
@@ -126,7 +127,7 @@ std::uint32_t RefreshHubDevice(Run& run) {
 
 std::uint32_t VerifyWithDeviceKey(Run& run) {
   unsigned char key[kDeviceKeyCapacity] = {};
-  const ZeroedPtr<Setting> copy = MakeZeroed<Setting>();
+  const ZeroedPtr<Setting> copy = MakeFreshSetting();
   if (copy == nullptr) return kRecordNotAllocated;
   CopyBytes(*copy, *run.setting);
   copy->ClearMapFW();
@@ -160,7 +161,7 @@ std::unique_ptr<CCpIspArgsParse> MakeParser() {
 // default communication settings, and programs it.
 std::uint32_t ProgramBootCode(Run& run) {
   const std::unique_ptr<CCpIspArgsParse> parser = MakeParser();
-  const ZeroedPtr<Setting> boot_setting = MakeZeroed<Setting>();
+  const ZeroedPtr<Setting> boot_setting = MakeFreshSetting();
   if (parser == nullptr || boot_setting == nullptr) return kRecordNotAllocated;
   boot_setting->enumActionType = CP_ISPTOOL_ACTION_ISP;
   parser->SetISPCmdSetting(*boot_setting);

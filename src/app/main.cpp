@@ -8,18 +8,18 @@
 #include "app/standard_streams.h"
 #include "cmdline/isp_args_parse.h"
 #include "plugin/comm_plugin.h"
+#include "plugin/fresh_setting.h"
 #include "plugin/zeroed.h"
 
 namespace {
 
 std::uint32_t ExecuteWithHeapRecords(const CCpIspArgsParse& parser) {
-  const auto setting = MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>();
+  const auto setting = MakeFreshCopy(parser.GetISPCmdSetting());
   const auto sign_args = MakeZeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS>();
   if (setting == nullptr || sign_args == nullptr) {
     ShowResult(CP_ISPTOOL_ACTION_UNDEFINED, kRecordNotAllocated);
     return kRecordNotAllocated;
   }
-  CopyOntoFresh(*setting, parser.GetISPCmdSetting());
   CopyBytes(*sign_args, parser.GetDigitalSignArgs());
   g_pstISPSetting = setting.get();
   g_pstDigitalSignArgs = sign_args.get();

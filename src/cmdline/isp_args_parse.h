@@ -22,6 +22,7 @@
 #include "firmware/firmware_search.h"
 #include "plugin/command_setting.h"
 #include "plugin/digital_sign_args.h"
+#include "plugin/fresh_setting.h"
 #include "plugin/zeroed.h"
 
 class CCpIspArgsParse {
@@ -105,7 +106,7 @@ class CCpIspArgsParse {
   std::string m_current_dir;
   FwBankMap m_slots;
   CCpTransform m_transform;
-  Zeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting;
+  Zeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting{MakeFreshSetting()};
   Zeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> m_sign_args;
 };
 

@@ -4,42 +4,19 @@
 #include <algorithm>
 #include <iterator>
 
-#include "plugin/zeroed.h"
+#include "plugin/setting_defaults.h"
 
-// The constructors stay out of line: inlined, a compiler may take the zero fill that comes before
-// construction for a dead store and drop it.
+// The constructors are not inline: a compiler that sees the zero fill and the construction together
+// may drop the fill as a dead store.
 
 namespace {
 
 constexpr std::size_t kTargetBanksClearedByConstructor = 64;
-constexpr std::uint8_t kDefaultSlaveAddress = 0x94;
 constexpr std::uint8_t kUnsetByte = 0xFF;
 
 template <typename Array>
 void Zero(Array& array) {
   std::fill(std::begin(array), std::end(array), 0);
-}
-
-// What the record sets beside its sub-records. Two fields stay as the memory is, which MakeZeroed
-// clears.
-void SetDefaults(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
-  setting.enumActionType = CP_ISPTOOL_ACTION_UNDEFINED;
-  setting.enumDigitalSignatureType = 0;
-  setting.enumVersionLocationType = VERSION_LOCATION_NONE;
-  setting.enumUserDefinedVersionType = USER_DEFINED_VERSION_NONE;
-  setting.enumCommID = 0;
-  setting.enumEdpIspMode = EDP_ISP_MODE_NONE;
-  setting.bAutoSlaveAddr = -1;
-  setting.ucSlaveAddr = kDefaultSlaveAddress;
-  setting.bSearchFw = 0;
-  setting.bCompareVer = 0;
-  setting.bIspChannel = 0;
-  setting.enumBootCodeType = 0;
-  setting.enumIspMode = ISP_MODE_NONE;
-  setting.ulReserved = 0;
-  setting.ulProgStartBank = 0;
-  Zero(setting.szBootFwPath);
-  Zero(setting.wszSettingFilePath);
 }
 
 }  // namespace
@@ -95,17 +72,7 @@ STRUCT_MERGE_FW_INFO_SETTING::STRUCT_MERGE_FW_INFO_SETTING() {
 
 // cppcheck-suppress uninitMemberVar
 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING() {
-  SetDefaults(*this);
-}
-
-// A record of this kind begins to live with the memory; what is left to do is to set the values.
-template <>
-STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* ConstructOverZeros(void* zeros) {
-  auto* const setting = static_cast<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING*>(zeros);
-  ::new (&setting->stFlagSetting) STRUCT_FLAG_SETTING;
-  ::new (&setting->stI2CWriteAction) STRUCT_I2C_WRITE_ACTION_TYPE_SETTING;
-  SetDefaults(*setting);
-  return setting;
+  SetScalarDefaults(*this);
 }
 
 void STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::ClearMapFW() {
