@@ -2,9 +2,9 @@
 //
 // CCpIspArgsParse: from the words of the command line to the two records of a run.
 //
-// ParseArgs scans the words (isp_args_parse.cpp), JudgeArgument checks them and fills the records
-// (isp_args_judge.cpp), one reader function per option value (isp_args_values.cpp). What concerns
-// firmware is done in firmware/; the members of those names forward to it.
+// ParseArgs reads the options (command_line_reader.cpp), JudgeArgument checks them and fills the
+// records (isp_args_judge.cpp), with one function for each option value (isp_args_values.cpp). What
+// concerns firmware is done in firmware/; the members of those names forward to it.
 //
 // Every operation that returns int returns 1 for success and 0 for a refusal, after printing its
 // one-line reason on standard output where it has one. After a refusal the records may be partly

@@ -13,9 +13,12 @@
 #include "cmdline/isp_cmd_args.h"
 #include "cmdline/option_scanner.h"
 
+// A member of the raw argument record with one bit for each option of a kind.
+using BitField = std::uint32_t STRUCT_CP_ISP_CMD_ARGS::*;
+
 // What an option does with the raw argument record.
-struct AddBits {  // ORs its value into a word of bits, without an argument of its own
-  std::uint32_t STRUCT_CP_ISP_CMD_ARGS::*bits;
+struct AddBits {  // ORs its value into a bit field, without an argument of its own
+  BitField bits;
 };
 struct StoreText {
   std::string STRUCT_CP_ISP_CMD_ARGS::*text;
