@@ -21,19 +21,20 @@ rules=(
   "simulator/display: $plugin_headers"
   "simulator/signer:  $plugin_headers"
   "line/event:        $all_of_src"
-  "line/journal:      $all_of_src event"
-  "line/job:          $all_of_src event journal"
-  "line/worker:       $all_of_src event journal job"
-  "line/supervise:    $all_of_src event journal job"
-  "line/plugin_check: $all_of_src event journal job worker supervise"
-  "line/command:      $all_of_src event journal job worker supervise plugin_check"
+  "line/journal:      $all_of_src line/event"
+  "line/job:          $all_of_src line/event line/journal"
+  "line/worker:       $all_of_src line/event line/journal line/job"
+  "line/supervise:    $all_of_src line/event line/journal line/job line/worker"
+  "line/plugin_check: $all_of_src line/event line/journal line/job line/worker line/supervise"
+  "line/command:      $all_of_src line/event line/journal line/job line/worker line/supervise
+                      line/plugin_check"
 )
 
 # Prints what the files of a folder may include; fails for a folder that has no row.
 allowed_in() {
   local rule
   for rule in "${rules[@]}"; do
-    if [ "${rule%%:*}" = "$1" ]; then echo "${1##*/} ${rule#*:}"; return; fi
+    if [ "${rule%%:*}" = "$1" ]; then echo "${1##*/} $1" ${rule#*:}; return; fi
   done
   return 1
 }

@@ -8,9 +8,10 @@ set -euo pipefail
 # Debian packages of a group, one line each.
 debian_packages() {
   case $1 in
-    build)  echo g++ cmake ninja-build ;;
+    build)  echo g++ cmake ninja-build libcli11-dev nlohmann-json3-dev libtomlplusplus-dev \
+                 libssl-dev ;;
     test)   echo valgrind libgtest-dev libgmock-dev libssl-dev openssl seabios edid-decode \
-                 mandoc zsh fish python3 binutils clang libclang-rt-dev ;;
+                 mandoc zsh fish python3 python3-jsonschema binutils clang libclang-rt-dev ;;
     checks) echo clang-format clang-tidy cppcheck shellcheck valgrind libc++-dev libc++abi-dev \
                  googletest libbenchmark-dev llvm lld nodejs npm debootstrap \
                  dpkg-dev file ;;
@@ -22,7 +23,7 @@ debian_packages() {
 # Homebrew's names of the same; what it does not have is left out, and its tests say so.
 brew_packages() {
   case $1 in
-    build)  echo cmake ninja ;;
+    build)  echo cmake ninja cli11 nlohmann-json tomlplusplus ;;
     test)   echo googletest openssl@3 mandoc zsh fish ;;
     checks) echo llvm cppcheck shellcheck google-benchmark ;;
     bench)  echo google-benchmark inih open-ocd ;;

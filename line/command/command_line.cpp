@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include <cstdio>
+#include <memory>
+
+#include "line/command/commands.h"
+
+namespace line {
+
+namespace {
+
+struct CommandRow {
+  Command command;
+  ExitStatus (*run)(const Options& options, Session& session);
+};
+
+// clang-format off
+const std::vector<CommandRow> kCommands = {
+  // command                 run
+};
+// clang-format on
+
+ExitStatus Dispatch(const Options& options, Session& session) {
+  for (const CommandRow& row : kCommands) {
+    if (row.command == options.command) return row.run(options, session);
+  }
+  return kExitRefused;
+}
+
+ExitStatus Refuse(const std::string& text, Session& session) {
+  session.Emit({}, ErrorEvent{"command-line", text, "", {}, {}});
+  return kExitRefused;
+}
+
+}  // namespace
+
+int RunCommandLine(const std::vector<std::string>& arguments) {
+  const ParsedOptions parsed = ParseOptions(arguments);
+  if (parsed.kind == ParsedOptions::Kind::kText) {
+    std::fputs(parsed.text.c_str(), stdout);
+    return kExitPassed;
+  }
+  const Options& options = parsed.options;
+  const std::unique_ptr<Printer> printer =
+      MakePrinter({options.json, options.quiet, options.progress, options.color});
+  Session session;
+  session.Add(*printer);
+  const ExitStatus status = parsed.kind == ParsedOptions::Kind::kRefused
+                                ? Refuse(parsed.text, session)
+                                : Dispatch(options, session);
+  const bool interrupted = status >= kExitHangUp;
+  session.Emit({}, EndEvent{status, interrupted});
+  return status;
+}
+
+}  // namespace line

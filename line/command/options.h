@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+//
+// The words of zvisp-line's own command line. Its options are between the command's name and "--";
+// everything after "--" is zvisp's. options.cpp is the only source that knows the option library.
+#ifndef ZVISP_LINE_COMMAND_OPTIONS_H_
+#define ZVISP_LINE_COMMAND_OPTIONS_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "line/event/printer.h"
+
+namespace line {
+
+enum class Command { kPlan, kRun, kReadback, kJournalShow, kJournalDoctor, kJournalResolve };
+
+struct Options {
+  Command command = Command::kPlan;
+  // Of all commands.
+  bool json = false;
+  bool quiet = false;
+  When progress = When::kAuto;
+  When color = When::kAuto;
+  std::string data;  // --data, as given
+  // Of plan, run and readback.
+  std::string unit;
+  std::optional<double> timeout_s;
+  double wait_s = 0;
+  std::string plugins;  // --plugins, as given
+  std::vector<std::uint32_t> nothing_written;
+  bool allow_unsigned = false;
+  bool readback = false;
+  std::vector<std::string> ignore;  // --ignore FIRST-LAST, as given
+  std::optional<std::uint32_t> expect;
+  std::vector<std::string> words;  // zvisp's, without a program name
+  // Of journal show and journal resolve.
+  std::string run;
+  std::string note;
+};
+
+struct ParsedOptions {
+  enum class Kind { kRun, kText, kRefused };
+  Kind kind = Kind::kRefused;
+  Options options;   // of kRefused as well: what was read until then
+  std::string text;  // kText: for standard output, and exit status 0; kRefused: one sentence
+};
+
+// `arguments` without the program's name.
+ParsedOptions ParseOptions(const std::vector<std::string>& arguments);
+
+}  // namespace line
+
+#endif  // ZVISP_LINE_COMMAND_OPTIONS_H_

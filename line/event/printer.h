@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+//
+// What the operator sees of the events. Three ways to print them, one sink each:
+//   JSON       every event as a line on standard output, and nothing else anywhere
+//   terminal   rows on standard error that are redrawn in place, results on standard output
+//   plain      lines with the place in front, without an escape byte or a carriage return
+// Every event is flushed as it is written.
+#ifndef ZVISP_LINE_EVENT_PRINTER_H_
+#define ZVISP_LINE_EVENT_PRINTER_H_
+
+#include <cstdint>
+#include <memory>
+
+#include "line/event/event.h"
+
+namespace line {
+
+enum class When { kAuto, kAlways, kNever };
+
+struct PrinterOptions {
+  bool json = false;
+  bool quiet = false;           // errors on standard error and nothing else
+  When progress = When::kAuto;  // kAuto: rows on a terminal, now and then a line elsewhere
+  When color = When::kAuto;     // kAuto: on a terminal, unless NO_COLOR is set
+};
+
+class Printer : public EventSink {
+ public:
+  // To be called about ten times a second while something runs: moves the clocks on.
+  virtual void Tick(std::uint64_t /*mono_ms*/) {}
+};
+
+// Never null.
+std::unique_ptr<Printer> MakePrinter(const PrinterOptions& options);
+
+}  // namespace line
+
+#endif  // ZVISP_LINE_EVENT_PRINTER_H_

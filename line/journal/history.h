@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+//
+// What the record knows of one serial, found without reading the whole record: an index next to it
+// (DATA/journal/units.index) is brought up to date with the lines that came since, and asked. The
+// index is made again when it is missing or does not fit; the record alone is the truth.
+#ifndef ZVISP_LINE_JOURNAL_HISTORY_H_
+#define ZVISP_LINE_JOURNAL_HISTORY_H_
+
+#include <cstdint>
+#include <string>
+
+namespace line {
+
+struct UnitHistory {
+  std::uint64_t attempts = 0;    // runs that were started
+  bool last_has_passed = false;  // the newest run that ended has passed
+};
+
+// Runs of `unit` under the job of that name; of all runs without a job for an empty name. What
+// cannot be read counts as never run.
+UnitHistory HistoryOf(const std::string& data_directory, const std::string& unit,
+                      const std::string& job);
+
+}  // namespace line
+
+#endif  // ZVISP_LINE_JOURNAL_HISTORY_H_
