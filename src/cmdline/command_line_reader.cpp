@@ -14,9 +14,19 @@
 
 namespace {
 
-constexpr int kUserDefinedBit = 0x80;
-constexpr std::uint32_t kMergeFwInfoAction = 0x200000;
-constexpr int kWriteBit = 0x2;
+// The bit of the option with this effect; does not compile without one.
+constexpr int BitOf(const AddBits& effect) {
+  return std::find_if(std::begin(kOptions), std::end(kOptions),
+                      [&effect](const OptionRow& row) {
+                        return FieldOf(row) == effect.field &&
+                               std::get<AddBits>(row.effect).number == effect.number;
+                      })
+      ->value;
+}
+
+constexpr int kUserDefinedBit = BitOf(Version(VERSION_LOCATION_USER_DEFINED));
+constexpr std::uint32_t kMergeFwInfoBit = BitOf(Action(CP_ISPTOOL_ACTION_MERGE_FW_INFO));
+constexpr int kWriteBit = BitOf(Merge(CP_MERGE_FW_INFO_WRITE));
 constexpr unsigned int kSearchSlot = 0;  // slot of --fw and of the file that a search finds
 
 // The last value that the scanner stored for an option of this bit field.
@@ -75,7 +85,7 @@ class CommandLineReader {
 void CommandLineReader::RegisterOptions() {
   for (const OptionRow& row : kOptions) {
     const AddBits* const add_bits = std::get_if<AddBits>(&row.effect);
-    int* const flag = add_bits == nullptr ? nullptr : &LastBitOf(add_bits->bits);
+    int* const flag = add_bits == nullptr ? nullptr : &LastBitOf(add_bits->field);
     m_scanner.AddLongCmd(row.name, row.argument, flag, row.value);
   }
 }
@@ -111,11 +121,11 @@ std::string CommandLineReader::Argument() const {
 // mostly has no argument. So "--userdefined 2 --erase" loses the 2, and --write only gives its text
 // after --mergefwinfo.
 bool CommandLineReader::Apply(const AddBits& effect) {
-  m_args.*effect.bits |= static_cast<std::uint32_t>(LastBitOf(effect.bits));
+  m_args.*effect.field |= static_cast<std::uint32_t>(LastBitOf(effect.field));
   if (LastBitOf(&STRUCT_CP_ISP_CMD_ARGS::ulInformationBits) == kUserDefinedBit) {
     m_args.strUserDefined = Argument();
   }
-  if (m_args.ulActionBits == kMergeFwInfoAction &&
+  if (m_args.ulActionBits == kMergeFwInfoBit &&
       LastBitOf(&STRUCT_CP_ISP_CMD_ARGS::ulReadWriteBits) == kWriteBit) {
     m_args.strMergeCommand = Argument();
   }

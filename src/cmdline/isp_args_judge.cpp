@@ -11,12 +11,6 @@
 
 namespace {
 
-bool IsProgrammingAction(std::uint32_t action) {
-  return action == CP_ISPTOOL_ACTION_ISP || action == CP_ISPTOOL_ACTION_ISP_USER ||
-         action == CP_ISPTOOL_ACTION_ISP_DIFF || action == CP_ISPTOOL_ACTION_ISP_COPY ||
-         action == CP_ISPTOOL_ACTION_FACTORY_ISP;
-}
-
 bool IsSigningAction(std::uint32_t action) {
   return action == CP_ISPTOOL_ACTION_SIGN || action == CP_ISPTOOL_ACTION_VERIFY;
 }
@@ -74,7 +68,7 @@ int CCpIspArgsParse::JudgeDigitalSignature(const STRUCT_CP_ISP_CMD_ARGS& args) {
   if (args.strFw.empty()) return Refuse("Program fw path is undefined!\n");
   CopySignatureTexts(args);
   const std::uint32_t action = m_setting->enumActionType;
-  if (!IsSigningAction(action) && !IsProgrammingAction(action)) {
+  if (!IsSigningAction(action) && !ProgramsFirmware(action)) {
     return Refuse("Digital signature type should not be defined only when program fw!\n");
   }
   return ValidateSignatureArguments();

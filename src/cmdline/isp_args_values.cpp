@@ -4,14 +4,15 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <variant>
 
 #include "base/string_util.h"
 #include "base/transform.h"
 #include "cmdline/isp_args_parse.h"
+#include "cmdline/option_table.h"
 
 namespace {
 
-constexpr std::uint32_t kUserDefinedBit = 0x80;
 constexpr std::uint32_t kCountMask = 0xFF;
 constexpr std::uint64_t kMaxVersionEnd = 0xFFFFFF;
 constexpr std::uint32_t kMaxTotalVersionLength = 256;
@@ -19,71 +20,13 @@ constexpr std::size_t kMinI2cBytes = 3;
 constexpr std::size_t kMaxI2cBytes = 258;
 constexpr std::uint8_t kDdcciLengthMask = 0x7F;
 
-// A bit of the command line and the number that it means in the record.
-struct BitRow {
-  std::uint32_t bit;
-  std::uint32_t number;
-};
-
-// The bit of --factoryisp, 0x10000, is missing on purpose: that option alone is refused.
-// clang-format off
-constexpr BitRow kActionTypes[] = {
-  // bit      number
-  {0x1,       CP_ISPTOOL_ACTION_VERIFY},
-  {0x2,       CP_ISPTOOL_ACTION_SIGN},
-  {0x4,       CP_ISPTOOL_ACTION_ERASE},
-  {0x8,       CP_ISPTOOL_ACTION_ISP},
-  {0x10,      CP_ISPTOOL_ACTION_ISP_USER},
-  {0x20,      CP_ISPTOOL_ACTION_ISP_DIFF},
-  {0x40,      CP_ISPTOOL_ACTION_ISP_COPY},
-  {0x80,      CP_ISPTOOL_ACTION_RECORD_VERSION},
-  {0x100,     CP_ISPTOOL_ACTION_SR_STATUS},
-  {0x200,     CP_ISPTOOL_ACTION_FLASH_TYPE},
-  {0x400,     CP_ISPTOOL_ACTION_READ_SR},
-  {0x800,     CP_ISPTOOL_ACTION_WRITE_SR},
-  {0x1000,    CP_ISPTOOL_ACTION_READ_SAFEGUARD},
-  {0x2000,    CP_ISPTOOL_ACTION_WRITE_SAFEGUARD},
-  {0x4000,    CP_ISPTOOL_ACTION_RESET_MCU},
-  {0x8000,    CP_ISPTOOL_ACTION_DUMP_FLASH},
-  {0x20000,   CP_ISPTOOL_ACTION_GET_STATUS},
-  {0x40000,   CP_ISPTOOL_ACTION_USER_DEFINED_INFO},
-  {0x80000,   CP_ISPTOOL_ACTION_EDP_ISP},
-  {0x100000,  CP_ISPTOOL_ACTION_ENTER_ISP_MODE},
-  {0x200000,  CP_ISPTOOL_ACTION_MERGE_FW_INFO},
-  {0x400000,  CP_ISPTOOL_ACTION_SEND_USER_DEFINED_INFO},
-  {0x800000,  CP_ISPTOOL_ACTION_I2C_WRITE},
-  {0x1000000, CP_ISPTOOL_ACTION_GET_SCALER_TYPE},
-};
-
-constexpr BitRow kSignatureTypes[] = {
-  // bit  number
-  {0x1,   CP_DIGITAL_SIGNATURE_SW},
-  {0x2,   CP_DIGITAL_SIGNATURE_HW},
-};
-
-constexpr BitRow kVersionTypes[] = {
-  // bit            number
-  {0x1,             VERSION_LOCATION_REG},
-  {0x2,             VERSION_LOCATION_DDCCI},
-  {0x4,             VERSION_LOCATION_FLASH},
-  {0x8,             VERSION_LOCATION_FW_BIN},
-  {0x10,            VERSION_LOCATION_CMD},
-  {0x20,            VERSION_LOCATION_FW_BIN_CMD},
-  {0x40,            VERSION_LOCATION_COPY_DIFFER},
-  {kUserDefinedBit, VERSION_LOCATION_USER_DEFINED},
-};
-
-constexpr BitRow kMergeFwInfoTypes[] = {
-  // bit  number
-  {0x2,   CP_MERGE_FW_INFO_WRITE},
-};
-// clang-format on
-
-template <std::size_t kRows>
-std::uint32_t NumberOfBit(const BitRow (&table)[kRows], std::uint32_t bits) {
-  const auto row = std::find_if(std::begin(table), std::end(table),
-                                [bits](const BitRow& candidate) { return candidate.bit == bits; });
-  return row == std::end(table) ? 0 : row->number;
+// The number of the option that has exactly these bits of the field; without one, 0.
+std::uint32_t NumberOf(BitField field, std::uint32_t bits) {
+  const auto has_bits = [field, bits](const OptionRow& row) {
+    return FieldOf(row) == field && static_cast<std::uint32_t>(row.value) == bits;
+  };
+  const auto row = std::find_if(std::begin(kOptions), std::end(kOptions), has_bits);
+  return row == std::end(kOptions) ? 0 : std::get<AddBits>(row->effect).number;
 }
 
 bool IsWithin(int value, int low, int high) {
@@ -150,23 +93,23 @@ int CCpIspArgsParse::JudgeUniqueAttribute(std::uint32_t bits) {
 }
 
 void CCpIspArgsParse::GetActionType(std::uint32_t bits, std::uint32_t& enumActionType) {
-  enumActionType = NumberOfBit(kActionTypes, bits);
+  enumActionType = NumberOf(&STRUCT_CP_ISP_CMD_ARGS::ulActionBits, bits);
 }
 
 void CCpIspArgsParse::GetDigitalSignatureType(std::uint32_t bits,
                                               std::uint32_t& enumSignatureType) {
-  enumSignatureType = NumberOfBit(kSignatureTypes, bits);
+  enumSignatureType = NumberOf(&STRUCT_CP_ISP_CMD_ARGS::ulSignatureTypeBits, bits);
 }
 
 void CCpIspArgsParse::GetMergeFwInfoType(std::uint32_t bits, std::uint32_t& enumMergeFwInfoType) {
-  enumMergeFwInfoType = NumberOfBit(kMergeFwInfoTypes, bits);
+  enumMergeFwInfoType = NumberOf(&STRUCT_CP_ISP_CMD_ARGS::ulReadWriteBits, bits);
 }
 
 int CCpIspArgsParse::GetVersionType(std::uint32_t bits, const std::string& user_defined,
                                     std::uint32_t& enumVersionLocationType,
                                     std::uint32_t& enumUserDefinedVersionType) {
-  enumVersionLocationType = NumberOfBit(kVersionTypes, bits);
-  if (bits != kUserDefinedBit) return 1;
+  enumVersionLocationType = NumberOf(&STRUCT_CP_ISP_CMD_ARGS::ulInformationBits, bits);
+  if (enumVersionLocationType != VERSION_LOCATION_USER_DEFINED) return 1;
   int version = 0;
   if (!StringtoInt(user_defined, version)) {
     std::printf("User defined version mode illegal, mode is: %s\n", user_defined.c_str());

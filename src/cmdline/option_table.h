@@ -1,24 +1,31 @@
 // SPDX-License-Identifier: MIT
 //
-// The utility's long options, one row each. Adding an option is adding a row here; the scanner's
-// registration, the reading of values, the manual and the completions follow from it or are
-// checked against it.
+// The utility's long options, one row each: its name, its argument, its effect on the raw argument
+// record and, for an option with a bit, the number that the bit means in the judged record. The
+// scanner gets its options from here; the manual and the completions are compared with it.
 #ifndef ZVISP_CMDLINE_OPTION_TABLE_H_
 #define ZVISP_CMDLINE_OPTION_TABLE_H_
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "cmdline/isp_cmd_args.h"
 #include "cmdline/option_scanner.h"
+#include "plugin/command_setting.h"
+#include "plugin/digital_sign_args.h"
 
 // A member of the raw argument record with one bit for each option of a kind.
 using BitField = std::uint32_t STRUCT_CP_ISP_CMD_ARGS::*;
 
 // What an option does with the raw argument record.
-struct AddBits {  // ORs its value into a bit field, without an argument of its own
-  BitField bits;
+struct AddBits {  // ORs its value into a bit field
+  BitField field;
+  std::uint32_t number;  // what this bit alone means in the judged record
 };
 struct StoreText {
   std::string STRUCT_CP_ISP_CMD_ARGS::*text;
@@ -43,56 +50,71 @@ using OptionEffect = std::variant<AddBits, StoreText, SetSwitch, InsertFwFile, I
 struct OptionRow {
   const char* name;
   int argument;  // kNoArgument or kRequiredArgument
-  int value;     // AddBits: the bit; others: the code that the scanner returns
+  int value;     // AddBits: the bit; others: a code that only the scanner's messages show
   OptionEffect effect;
 };
 
 using Args = STRUCT_CP_ISP_CMD_ARGS;
 
+constexpr AddBits Action(ENUM_CP_ISPTOOL_ACTION_TYPE number) {
+  return {&Args::ulActionBits, number};
+}
+constexpr AddBits Signature(ENUM_CP_DIGITAL_SIGNATURE_TYPE number) {
+  return {&Args::ulSignatureTypeBits, number};
+}
+constexpr AddBits Version(ENUM_VERSION_LOCATION_TYPE number) {
+  return {&Args::ulInformationBits, number};
+}
+constexpr AddBits Merge(ENUM_CP_MERGE_FW_INFO_TYPE number) {
+  return {&Args::ulReadWriteBits, number};
+}
+
 // In registration order, which decides the order of names in the scanner's messages.
 // clang-format off
 inline constexpr OptionRow kOptions[] = {
+  // name                argument     value      effect
+  {"verify",              kNoArgument, 0x1,       Action(CP_ISPTOOL_ACTION_VERIFY)},
+  {"sign",                kNoArgument, 0x2,       Action(CP_ISPTOOL_ACTION_SIGN)},
+  {"erase",               kNoArgument, 0x4,       Action(CP_ISPTOOL_ACTION_ERASE)},
+  {"isp",                 kNoArgument, 0x8,       Action(CP_ISPTOOL_ACTION_ISP)},
+  {"ispuser",             kNoArgument, 0x10,      Action(CP_ISPTOOL_ACTION_ISP_USER)},
+  {"ispdiff",             kNoArgument, 0x20,      Action(CP_ISPTOOL_ACTION_ISP_DIFF)},
+  {"ispcopy",             kNoArgument, 0x40,      Action(CP_ISPTOOL_ACTION_ISP_COPY)},
+  // Kept quirk: --factoryisp alone is refused, because its bit means no action.
+  {"factoryisp",          kNoArgument, 0x10000,   Action(CP_ISPTOOL_ACTION_UNDEFINED)},
+  {"recordver",           kNoArgument, 0x80,      Action(CP_ISPTOOL_ACTION_RECORD_VERSION)},
+  {"srstatus",            kNoArgument, 0x100,     Action(CP_ISPTOOL_ACTION_SR_STATUS)},
+  {"flashtype",           kNoArgument, 0x200,     Action(CP_ISPTOOL_ACTION_FLASH_TYPE)},
+  {"readsr",              kNoArgument, 0x400,     Action(CP_ISPTOOL_ACTION_READ_SR)},
+  {"writesr",             kNoArgument, 0x800,     Action(CP_ISPTOOL_ACTION_WRITE_SR)},
+  {"readsafeguard",       kNoArgument, 0x1000,    Action(CP_ISPTOOL_ACTION_READ_SAFEGUARD)},
+  {"writesafeguard",      kNoArgument, 0x2000,    Action(CP_ISPTOOL_ACTION_WRITE_SAFEGUARD)},
+  {"resetmcu",            kNoArgument, 0x4000,    Action(CP_ISPTOOL_ACTION_RESET_MCU)},
+  {"dumpflash",           kNoArgument, 0x8000,    Action(CP_ISPTOOL_ACTION_DUMP_FLASH)},
+  {"getstatus",           kNoArgument, 0x20000,   Action(CP_ISPTOOL_ACTION_GET_STATUS)},
+  {"userdefinedinfo",     kNoArgument, 0x40000,   Action(CP_ISPTOOL_ACTION_USER_DEFINED_INFO)},
+  {"edpisp",              kNoArgument, 0x80000,   Action(CP_ISPTOOL_ACTION_EDP_ISP)},
+  {"enterispmode",        kNoArgument, 0x100000,  Action(CP_ISPTOOL_ACTION_ENTER_ISP_MODE)},
+  {"mergefwinfo",         kNoArgument, 0x200000,  Action(CP_ISPTOOL_ACTION_MERGE_FW_INFO)},
+  {"senduserdefinedinfo", kNoArgument, 0x400000,  Action(CP_ISPTOOL_ACTION_SEND_USER_DEFINED_INFO)},
+  {"i2cwrite",            kNoArgument, 0x800000,  Action(CP_ISPTOOL_ACTION_I2C_WRITE)},
+  {"getscalertype",       kNoArgument, 0x1000000, Action(CP_ISPTOOL_ACTION_GET_SCALER_TYPE)},
   // name                argument           value      effect
-  {"verify",             kNoArgument,       0x1,       AddBits{&Args::ulActionBits}},
-  {"sign",               kNoArgument,       0x2,       AddBits{&Args::ulActionBits}},
-  {"erase",              kNoArgument,       0x4,       AddBits{&Args::ulActionBits}},
-  {"isp",                kNoArgument,       0x8,       AddBits{&Args::ulActionBits}},
-  {"ispuser",            kNoArgument,       0x10,      AddBits{&Args::ulActionBits}},
-  {"ispdiff",            kNoArgument,       0x20,      AddBits{&Args::ulActionBits}},
-  {"ispcopy",            kNoArgument,       0x40,      AddBits{&Args::ulActionBits}},
-  {"factoryisp",         kNoArgument,       0x10000,   AddBits{&Args::ulActionBits}},
-  {"recordver",          kNoArgument,       0x80,      AddBits{&Args::ulActionBits}},
-  {"srstatus",           kNoArgument,       0x100,     AddBits{&Args::ulActionBits}},
-  {"flashtype",          kNoArgument,       0x200,     AddBits{&Args::ulActionBits}},
-  {"readsr",             kNoArgument,       0x400,     AddBits{&Args::ulActionBits}},
-  {"writesr",            kNoArgument,       0x800,     AddBits{&Args::ulActionBits}},
-  {"readsafeguard",      kNoArgument,       0x1000,    AddBits{&Args::ulActionBits}},
-  {"writesafeguard",     kNoArgument,       0x2000,    AddBits{&Args::ulActionBits}},
-  {"resetmcu",           kNoArgument,       0x4000,    AddBits{&Args::ulActionBits}},
-  {"dumpflash",          kNoArgument,       0x8000,    AddBits{&Args::ulActionBits}},
-  {"getstatus",          kNoArgument,       0x20000,   AddBits{&Args::ulActionBits}},
-  {"userdefinedinfo",    kNoArgument,       0x40000,   AddBits{&Args::ulActionBits}},
-  {"edpisp",             kNoArgument,       0x80000,   AddBits{&Args::ulActionBits}},
-  {"enterispmode",       kNoArgument,       0x100000,  AddBits{&Args::ulActionBits}},
-  {"mergefwinfo",        kNoArgument,       0x200000,  AddBits{&Args::ulActionBits}},
-  {"senduserdefinedinfo", kNoArgument,      0x400000,  AddBits{&Args::ulActionBits}},
-  {"i2cwrite",           kNoArgument,       0x800000,  AddBits{&Args::ulActionBits}},
-  {"getscalertype",      kNoArgument,       0x1000000, AddBits{&Args::ulActionBits}},
   {"boot",               kRequiredArgument, 42,        StoreText{&Args::strBoot}},
   {"newboot",            kNoArgument,       40,        SetSwitch{&Args::bNewBoot, 1}},
   {"ispchannel",         kNoArgument,       49,        SetSwitch{&Args::bIspChannel, 1}},
   {"factory",            kNoArgument,       41,        SetSwitch{&Args::nIspMode, 2}},
-  {"sw",                 kNoArgument,       0x1,       AddBits{&Args::ulSignatureTypeBits}},
-  {"hw",                 kNoArgument,       0x2,       AddBits{&Args::ulSignatureTypeBits}},
+  {"sw",                 kNoArgument,       0x1,       Signature(CP_DIGITAL_SIGNATURE_SW)},
+  {"hw",                 kNoArgument,       0x2,       Signature(CP_DIGITAL_SIGNATURE_HW)},
   {"dsmode",             kRequiredArgument, 8,         StoreText{&Args::strSignatureMode}},
-  {"reg",                kNoArgument,       0x1,       AddBits{&Args::ulInformationBits}},
-  {"ddcci",              kNoArgument,       0x2,       AddBits{&Args::ulInformationBits}},
-  {"flash",              kNoArgument,       0x4,       AddBits{&Args::ulInformationBits}},
-  {"fwbin",              kNoArgument,       0x8,       AddBits{&Args::ulInformationBits}},
-  {"cmd",                kNoArgument,       0x10,      AddBits{&Args::ulInformationBits}},
-  {"fwbincmd",           kNoArgument,       0x20,      AddBits{&Args::ulInformationBits}},
-  {"copydiffer",         kNoArgument,       0x40,      AddBits{&Args::ulInformationBits}},
-  {"userdefined",        kRequiredArgument, 0x80,      AddBits{&Args::ulInformationBits}},
+  {"reg",                kNoArgument,       0x1,       Version(VERSION_LOCATION_REG)},
+  {"ddcci",              kNoArgument,       0x2,       Version(VERSION_LOCATION_DDCCI)},
+  {"flash",              kNoArgument,       0x4,       Version(VERSION_LOCATION_FLASH)},
+  {"fwbin",              kNoArgument,       0x8,       Version(VERSION_LOCATION_FW_BIN)},
+  {"cmd",                kNoArgument,       0x10,      Version(VERSION_LOCATION_CMD)},
+  {"fwbincmd",           kNoArgument,       0x20,      Version(VERSION_LOCATION_FW_BIN_CMD)},
+  {"copydiffer",         kNoArgument,       0x40,      Version(VERSION_LOCATION_COPY_DIFFER)},
+  {"userdefined",        kRequiredArgument, 0x80,      Version(VERSION_LOCATION_USER_DEFINED)},
   {"veraddr",            kRequiredArgument, 44,        StoreText{&Args::strVerAddr}},
   {"totalverlen",        kRequiredArgument, 45,        StoreText{&Args::strTotalVerLen}},
   {"majorverlen",        kRequiredArgument, 46,        StoreText{&Args::strMajorVerLen}},
@@ -135,11 +157,40 @@ inline constexpr OptionRow kOptions[] = {
   {"slave",              kRequiredArgument, 35,        StoreText{&Args::strSlave}},
   {"searchfw",           kRequiredArgument, 39,        SearchFirmware{}},
   {"edpmode",            kRequiredArgument, 54,        ChooseEdpMode{}},
-  {"read",               kNoArgument,       0x1,       AddBits{&Args::ulReadWriteBits}},
-  {"write",              kRequiredArgument, 0x2,       AddBits{&Args::ulReadWriteBits}},
+  {"read",               kNoArgument,       0x1,       Merge(CP_MERGE_FW_INFO_READ)},
+  {"write",              kRequiredArgument, 0x2,       Merge(CP_MERGE_FW_INFO_WRITE)},
   {"writedata",          kRequiredArgument, 55,        StoreText{&Args::strWriteData}},
   {"ddccicmd",           kNoArgument,       56,        SetSwitch{&Args::bDdcciCmd, 1}},
 };
 // clang-format on
+
+// The member that an option's bit goes to; null for an option without one.
+constexpr BitField FieldOf(const OptionRow& row) {
+  const AddBits* const effect = std::get_if<AddBits>(&row.effect);
+  return effect == nullptr ? nullptr : effect->field;
+}
+
+// A bit is single; a code is not one of the scanner's own.
+constexpr bool IsLegal(const OptionRow& row) {
+  return FieldOf(row) != nullptr ? std::has_single_bit(static_cast<std::uint32_t>(row.value))
+                                 : 0 < row.value && row.value < kScanMissingArgument;
+}
+
+constexpr bool Clash(const OptionRow& row, const OptionRow& other) {
+  return std::string_view(row.name) == other.name ||
+         (FieldOf(row) == FieldOf(other) && row.value == other.value);
+}
+
+constexpr bool AllRowsDiffer() {
+  for (const OptionRow* row = std::begin(kOptions); row != std::end(kOptions); ++row) {
+    const auto clashes = [row](const OptionRow& other) { return Clash(*row, other); };
+    if (std::any_of(row + 1, std::end(kOptions), clashes)) return false;
+  }
+  return true;
+}
+
+static_assert(std::all_of(std::begin(kOptions), std::end(kOptions), IsLegal),
+              "a single bit, or a code below those of the scanner");
+static_assert(AllRowsDiffer(), "each name once, each value once within its field");
 
 #endif  // ZVISP_CMDLINE_OPTION_TABLE_H_

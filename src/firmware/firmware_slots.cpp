@@ -12,19 +12,11 @@ constexpr int kMaxStartBank = 255;
 constexpr int kMissingStartBank = -1;
 
 bool NeedsFirmwareFiles(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
-  switch (setting.enumActionType) {
-    case CP_ISPTOOL_ACTION_ISP:
-    case CP_ISPTOOL_ACTION_ISP_USER:
-    case CP_ISPTOOL_ACTION_ISP_DIFF:
-    case CP_ISPTOOL_ACTION_ISP_COPY:
-    case CP_ISPTOOL_ACTION_FACTORY_ISP:
-      return true;
-    case CP_ISPTOOL_ACTION_RECORD_VERSION:
-      return setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN ||
-             setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN_CMD;
-    default:
-      return false;
-  }
+  // To record the version of a firmware file, that file is read.
+  return ProgramsFirmware(setting.enumActionType) ||
+         (setting.enumActionType == CP_ISPTOOL_ACTION_RECORD_VERSION &&
+          (setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN ||
+           setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN_CMD));
 }
 
 bool IsAnyBankTaken(const FwBankMap& bankMap, unsigned int start, unsigned int banks) {
@@ -65,6 +57,19 @@ int ExpandSlot(const STRUCT_FW_BANK_SETTING& slot, const std::string& directory,
 }
 
 }  // namespace
+
+bool ProgramsFirmware(std::uint32_t action) {
+  switch (action) {
+    case CP_ISPTOOL_ACTION_ISP:
+    case CP_ISPTOOL_ACTION_ISP_USER:
+    case CP_ISPTOOL_ACTION_ISP_DIFF:
+    case CP_ISPTOOL_ACTION_ISP_COPY:
+    case CP_ISPTOOL_ACTION_FACTORY_ISP:
+      return true;
+    default:
+      return false;
+  }
+}
 
 int InsertCommandFwFile(FwBankMap& slots, unsigned int slot, const std::wstring& path) {
   STRUCT_FW_BANK_SETTING& entry = slots[slot];

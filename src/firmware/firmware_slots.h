@@ -9,9 +9,13 @@
 #ifndef ZVISP_FIRMWARE_FIRMWARE_SLOTS_H_
 #define ZVISP_FIRMWARE_FIRMWARE_SLOTS_H_
 
+#include <cstdint>
 #include <string>
 
 #include "firmware/bank_map.h"
+
+// True for the actions that write firmware files to the display.
+bool ProgramsFirmware(std::uint32_t action);
 
 // Gives a slot its file. Refuses a slot that already has one.
 int InsertCommandFwFile(FwBankMap& slots, unsigned int slot, const std::wstring& path);
