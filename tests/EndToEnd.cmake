@@ -67,5 +67,12 @@ add_test(NAME e2e_flash_one.VerdictIsRightInEveryCase COMMAND
   $<TARGET_FILE:recording_isp> ${PROJECT_SOURCE_DIR}/examples/flash-one.sh)
 set_tests_properties(e2e_flash_one.VerdictIsRightInEveryCase PROPERTIES LABELS e2e TIMEOUT 120)
 
+if(TARGET isp_simulator AND TARGET sign_reference)
+  add_test(NAME e2e_readme.ExamplesSucceed COMMAND
+    ${CMAKE_CURRENT_SOURCE_DIR}/e2e/readme_test.sh $<TARGET_FILE:zvisp>
+    $<TARGET_FILE:isp_simulator> $<TARGET_FILE:sign_reference> ${PROJECT_SOURCE_DIR})
+  set_tests_properties(e2e_readme.ExamplesSucceed PROPERTIES LABELS e2e TIMEOUT 120)
+endif()
+
 # A thousand runs at once take their time on a busy machine or with a sanitizer.
 gtest_discover_tests(e2e PROPERTIES LABELS e2e TIMEOUT 300)

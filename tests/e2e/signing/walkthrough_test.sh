@@ -24,6 +24,11 @@ END
 chmod +x "$scratch/bin/zvisp"
 
 awk '/^```sh$/ { inside = 1; next } /^```$/ { inside = 0 } inside' "$page" > "$scratch/lines.sh"
+# Who leaves out the line that sets the variable must not write into "/".
+if grep -n '\$ZVISP_SIM_DIR' "$scratch/lines.sh"; then
+  echo "FAILED: a line uses the variable"
+  exit 1
+fi
 cd "$scratch/work"
 if ! PATH="$scratch/bin:$PATH" sh -eu "$scratch/lines.sh" > "$scratch/log" 2>&1; then
   cat "$scratch/log"

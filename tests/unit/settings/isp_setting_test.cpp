@@ -94,11 +94,12 @@ TEST(LoadSetting, TheFirmwareListIsNotReadBack) {
   EXPECT_EQ(record->stMapFw.ulCount, 0u);
 }
 
-TEST(LoadSetting, ReadsTheExampleFile) {
+// The example offers the one key that has an effect on a command line.
+TEST(LoadSetting, FindsNothingButThePrefixInTheExampleFile) {
   const ProfileFile file(ReadWholeFile(ZVISP_EXAMPLES_DIR "/IspSetting.ini"));
   const auto record = RecordFor(file);
   EXPECT_EQ(record->LoadSetting(), 0u);
-  EXPECT_EQ(record->enumCommID, 1u);
+  EXPECT_EQ(record->enumCommID, 0u);
   EXPECT_EQ(record->enumActionType, 4u);
   EXPECT_EQ(record->enumIspMode, 1u);
   EXPECT_EQ(file.Read(L"ISP_Fw", L"strFwPrefix"), (ProfileRead{9, L"ACME_M27_"}));
