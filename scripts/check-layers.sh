@@ -10,6 +10,7 @@ cd "${1:-$(dirname "$0")/..}"
 # whole or one header of it.
 plugin_headers='plugin/zvisp_plugin.h plugin/command_setting.h plugin/digital_sign_args.h'
 all_of_src='base plugin settings firmware cmdline app'
+line_below_command='line/event line/journal line/job line/worker line/supervise line/plugin_check'
 rules=(
   "src/base:"
   "src/plugin:     base"
@@ -26,15 +27,14 @@ rules=(
   "line/worker:       $all_of_src line/event line/journal line/job"
   "line/supervise:    $all_of_src line/event line/journal line/job line/worker"
   "line/plugin_check: $all_of_src line/event line/journal line/job line/worker line/supervise"
-  "line/command:      $all_of_src line/event line/journal line/job line/worker line/supervise
-                      line/plugin_check"
+  "line/command:      $all_of_src $line_below_command"
 )
 
 # Prints what the files of a folder may include; fails for a folder that has no row.
 allowed_in() {
   local rule
   for rule in "${rules[@]}"; do
-    if [ "${rule%%:*}" = "$1" ]; then echo "${1##*/} $1" ${rule#*:}; return; fi
+    if [ "${rule%%:*}" = "$1" ]; then echo "${1##*/} $1 ${rule#*:}"; return; fi
   done
   return 1
 }

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+#include "line/journal/record_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+namespace line {
+
+namespace {
+
+constexpr mode_t kFileRights = 0666;
+constexpr int kLockTries = 1000;  // of 10 ms each: a writer holds the lock for one write
+
+std::string Reason() {
+  return std::strerror(errno);
+}
+
+std::string Parent(const std::string& path) {
+  const std::size_t slash = path.find_last_not_of('/', path.rfind('/'));
+  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+// Like mkdir -p: true when it is there.
+bool MakeDirectories(const std::string& path, mode_t mode) {
+  if (mkdir(path.c_str(), mode) == 0 || errno == EEXIST) return true;
+  if (errno != ENOENT) return false;
+  const std::string parent = Parent(path);
+  if (parent.empty() || !MakeDirectories(parent, mode)) return false;
+  return mkdir(path.c_str(), mode) == 0 || errno == EEXIST;
+}
+
+mode_t ModeOf(int descriptor) {
+  struct stat status = {};
+  return fstat(descriptor, &status) == 0 ? status.st_mode & 07777 : 0700;
+}
+
+// Whoever may write into the directory may write the file: several accounts can share a record.
+Descriptor OpenShared(int directory, const std::string& name, bool& created) {
+  const int made =
+      openat(directory, name.c_str(), O_RDWR | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  created = made >= 0;
+  if (!created) {
+    return Descriptor(openat(directory, name.c_str(), O_RDWR | O_APPEND | O_CLOEXEC));
+  }
+  // Where rights cannot be set, the account that made the file keeps it for itself.
+  static_cast<void>(fchmod(made, ModeOf(directory) & kFileRights));
+  return Descriptor(made);
+}
+
+bool WriteAll(int descriptor, const std::string& bytes) {
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t count = write(descriptor, bytes.data() + written, bytes.size() - written);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    written += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+bool EndsInsideALine(int descriptor, off_t size) {
+  char last = '\n';
+  return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+}
+
+std::string CannotWrite(const std::string& path, const std::string& reason) {
+  return "The record " + path + " cannot be written: " + reason +
+         "; let this account write there, or name another directory with --data.";
+}
+
+bool HasSpace(const std::string& directory, int descriptor, std::string& error) {
+  struct statvfs space = {};
+  if (fstatvfs(descriptor, &space) != 0) {
+    error = CannotWrite(directory, Reason());
+    return false;
+  }
+  const std::uint64_t free = std::uint64_t{space.f_bavail} * space.f_frsize;
+  if (free >= kNeededFreeBytes) return true;
+  error = "The disk of the record " + directory + " has " + std::to_string(free / 1024) +
+          " KiB free, less than the 16384 KiB that a run needs; make room, or name another "
+          "directory with --data.";
+  return false;
+}
+
+}  // namespace
+
+Descriptor::~Descriptor() {
+  if (m_number >= 0) close(m_number);
+}
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+  std::swap(m_number, other.m_number);
+  return *this;
+}
+
+std::string RecordDirectory(const std::string& data_directory) {
+  return data_directory + "/journal";
+}
+
+bool FlushToDisk(int descriptor) {
+#if defined(__APPLE__)
+  // fsync alone leaves the lines in the disk's own memory there.
+  if (fcntl(descriptor, F_FULLFSYNC) == 0) return true;
+  return fsync(descriptor) == 0;
+#else
+  return fdatasync(descriptor) == 0;
+#endif
+}
+
+bool RecordFiles::Open(const std::string& data_directory, std::string& error) {
+  m_directory = RecordDirectory(data_directory);
+  if (!MakeDirectories(data_directory, 0700)) {
+    error = CannotWrite(data_directory, Reason());
+    return false;
+  }
+  const Descriptor above(open(data_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  const mode_t mode = above.IsOpen() ? ModeOf(above.Number()) : 0700;
+  if (mkdir(m_directory.c_str(), 0700) == 0) chmod(m_directory.c_str(), mode);
+  m_directory_descriptor =
+      Descriptor(open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  bool created = false;
+  if (m_directory_descriptor.IsOpen()) {
+    m_lock = OpenShared(m_directory_descriptor.Number(), "lock", created);
+  }
+  if (!m_lock.IsOpen() || faccessat(m_directory_descriptor.Number(), ".", W_OK, 0) != 0) {
+    error = CannotWrite(m_directory, Reason());
+    return false;
+  }
+  return HasSpace(m_directory, m_directory_descriptor.Number(), error);
+}
+
+bool RecordFiles::TakeLock(std::string& error) {
+  for (int i = 0; i < kLockTries; ++i) {
+    if (flock(m_lock.Number(), LOCK_EX | LOCK_NB) == 0) return true;
+    if (errno != EWOULDBLOCK && errno != EINTR) break;
+    usleep(10000);
+  }
+  error = CannotWrite(m_directory + "/lock", "another process keeps it locked");
+  return false;
+}
+
+Descriptor RecordFiles::OpenDay(const std::string& day, std::string& error) {
+  bool created = false;
+  Descriptor file = OpenShared(m_directory_descriptor.Number(), day + ".jsonl", created);
+  if (!file.IsOpen()) error = CannotWrite(m_directory + "/" + day + ".jsonl", Reason());
+  if (created) FlushToDisk(m_directory_descriptor.Number());
+  return file;
+}
+
+bool RecordFiles::Append(const std::string& day, const std::string& lines, bool flush,
+                         std::string& error) {
+  if (!TakeLock(error)) return false;
+  const Descriptor file = OpenDay(day, error);
+  bool is_written = false;
+  if (file.IsOpen()) {
+    struct stat status = {};
+    is_written = fstat(file.Number(), &status) == 0 &&
+                 WriteAll(file.Number(),
+                          EndsInsideALine(file.Number(), status.st_size) ? "\n" + lines : lines);
+    if (!is_written) {
+      error = CannotWrite(m_directory + "/" + day + ".jsonl", Reason());
+      // Under the lock nobody else has appended meanwhile.
+      static_cast<void>(ftruncate(file.Number(), status.st_size) == 0);
+    }
+  }
+  flock(m_lock.Number(), LOCK_UN);
+  if (!is_written) return false;
+  if (!flush || FlushToDisk(file.Number())) return true;
+  error = CannotWrite(m_directory + "/" + day + ".jsonl", Reason());
+  return false;
+}
+
+}  // namespace line
