@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // Judgement: the raw arguments become the two records of a run.
+//
+// The order of the checks decides which message comes first when several things are wrong, and
+// scripts match the messages. A check that does not concern the action is still made unless a
+// comment says otherwise, so a line with a bad --comm is refused whatever it does.
 #include <cstdio>
 
 #include "base/string_util.h"
@@ -27,10 +31,11 @@ int CCpIspArgsParse::JudgeArgument(STRUCT_CP_ISP_CMD_ARGS args) {
   m_setting->enumBootCodeType = static_cast<std::uint32_t>(args.bNewBoot);
   m_setting->enumIspMode = static_cast<std::uint32_t>(args.nIspMode);
   if (JudgeMergeFwInfo(args) == 0) return 0;
+  // Set here because a parser can judge twice, and the record may come from its caller.
   m_setting->enumDigitalSignatureType = CP_DIGITAL_SIGNATURE_NONE;
   if (args.ulSignatureTypeBits != 0) {
     if (JudgeDigitalSignature(args) == 0) return 0;
-    // Signing and verifying files touches no device: nothing below concerns them.
+    // To sign or verify files needs no device, bank map or settings file.
     if (IsSigningAction(m_setting->enumActionType)) return 1;
   }
   if (JudgeVersionLocation(args) == 0) return 0;
@@ -49,6 +54,7 @@ int CCpIspArgsParse::JudgeAction(const STRUCT_CP_ISP_CMD_ARGS& args) {
     return Refuse("Action type undefined or more than one type!\n");
   }
   GetActionType(args.ulActionBits, m_setting->enumActionType);
+  // No action at all, or --factoryisp.
   if (m_setting->enumActionType == CP_ISPTOOL_ACTION_UNDEFINED) {
     return Refuse("Action type undefined or illegal!\n");
   }
@@ -56,6 +62,8 @@ int CCpIspArgsParse::JudgeAction(const STRUCT_CP_ISP_CMD_ARGS& args) {
 }
 
 int CCpIspArgsParse::JudgeMergeFwInfo(const STRUCT_CP_ISP_CMD_ARGS& args) {
+  // Without --read and --write the field keeps what the record had. Both together count as --read.
+  // A --write before --mergefwinfo has lost its text, and an empty command is accepted.
   if (args.ulReadWriteBits == 0) return 1;
   GetMergeFwInfoType(args.ulReadWriteBits, m_setting->enumMergeFwInfoType);
   if (m_setting->enumMergeFwInfoType != CP_MERGE_FW_INFO_WRITE) return 1;
@@ -64,11 +72,14 @@ int CCpIspArgsParse::JudgeMergeFwInfo(const STRUCT_CP_ISP_CMD_ARGS& args) {
 
 int CCpIspArgsParse::JudgeDigitalSignature(const STRUCT_CP_ISP_CMD_ARGS& args) {
   if (JudgeSignatureTypeAndMode(args) == 0) return 0;
+  // The device plug-in gets the settings record only, so it needs a copy of the mode.
   m_setting->enumSWDigitalSignatureMode = m_sign_args->enumSwMode;
+  // strFw is slot 0: the files of --fw1 to --fw9 are never signed or verified.
   if (args.strFw.empty()) return Refuse("Program fw path is undefined!\n");
   CopySignatureTexts(args);
   const std::uint32_t action = m_setting->enumActionType;
   if (!IsSigningAction(action) && !ProgramsFirmware(action)) {
+    // Kept quirk: the message says the opposite of what it means. Scripts match this text.
     return Refuse("Digital signature type should not be defined only when program fw!\n");
   }
   return ValidateSignatureArguments();
@@ -94,7 +105,8 @@ int CCpIspArgsParse::JudgeSignatureTypeAndMode(const STRUCT_CP_ISP_CMD_ARGS& arg
   return read != 0 ? 1 : Refuse("Digital signature mode is illegal!\n");
 }
 
-// The boot path travels only on this way: without a signature type the boot code is not touched.
+// Kept quirk: --boot is copied here and nowhere else, so that boot code is programmed only with a
+// signature type.
 void CCpIspArgsParse::CopySignatureTexts(const STRUCT_CP_ISP_CMD_ARGS& args) {
   const auto copy = [](const std::string& text, char(&buffer)[kSignTextCapacity]) {
     CopyUtf8ToBuffer(text, buffer, kSignTextCapacity);
@@ -119,11 +131,13 @@ int CCpIspArgsParse::ValidateSignatureArguments() {
         signs ? CP_DIGITAL_SIGNATURE_ACTION_SIGN : CP_DIGITAL_SIGNATURE_ACTION_VERIFY;
     return validator.JudgeArgument(&*m_sign_args) ? 1 : 0;
   }
+  // Only a software signature is verified before programming, and not in factory mode.
   if (!is_software) return 1;
   m_sign_args->enumActionType = CP_DIGITAL_SIGNATURE_ACTION_VERIFY;
   if (m_setting->enumIspMode == ISP_MODE_FACTORY) return 1;
   if (m_sign_args->enumSwMode == CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_NEXT_KEY) {
-    // The key comes from the device later, so the verdict on the files is left to the plug-in.
+    // The key comes from the device later. The call makes the paths absolute and may print a
+    // refusal, but the verdict is that of the signature plug-in.
     static_cast<void>(validator.JudgeArgumentFwFileAndSigFile(&*m_sign_args));
     return 1;
   }
@@ -143,9 +157,10 @@ int CCpIspArgsParse::JudgeVersionLocation(const STRUCT_CP_ISP_CMD_ARGS& args) {
   }
   switch (m_setting->enumVersionLocationType) {
     case VERSION_LOCATION_FLASH:
+      // The place in flash is judged for every action, and a --flash without one is accepted.
       if (GetReadVersionFromFlashSetting(args, m_setting->stReadVersionFromFlash) != 0) return 1;
       return Refuse("Version location type flash setting is illegal\n");
-    case VERSION_LOCATION_NONE:
+    case VERSION_LOCATION_NONE:  // a bit that no option has, from a caller of JudgeArgument
       return Refuse("Version location type is illegal!\n");
     default:
       return 1;
@@ -158,6 +173,7 @@ int CCpIspArgsParse::JudgeCommunication(const STRUCT_CP_ISP_CMD_ARGS& args) {
 }
 
 int CCpIspArgsParse::JudgeFirmware(const STRUCT_CP_ISP_CMD_ARGS& args) {
+  // Before the slots, because JudgeFwMap accepts a search that left no file in them.
   m_setting->bSearchFw = static_cast<std::uint32_t>(args.bSearchFw);
   FwBankMap bank_map;
   if (JudgeFwMap(bank_map) == 0) return 0;
@@ -166,6 +182,7 @@ int CCpIspArgsParse::JudgeFirmware(const STRUCT_CP_ISP_CMD_ARGS& args) {
 }
 
 int CCpIspArgsParse::JudgeActionParameters(const STRUCT_CP_ISP_CMD_ARGS& args) {
+  // Texts for another action are ignored, even bad ones.
   switch (m_setting->enumActionType) {
     case CP_ISPTOOL_ACTION_ISP_USER:
       return GetUserFlag(args.strFlagAddr, args.strFlagData, m_setting->stFlagSetting);

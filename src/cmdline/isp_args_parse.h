@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
-// CCpIspArgsParse: from the words of the command line to the two records of a run.
+// CCpIspArgsParse turns a command line into the two records of a run.
 //
 // ParseArgs reads the options (command_line_reader.cpp), JudgeArgument checks them and fills the
 // records (isp_args_judge.cpp), with one function for each option value (isp_args_values.cpp). What
 // concerns firmware is done in firmware/; the members of those names forward to it.
 //
-// Every operation that returns int returns 1 for success and 0 for a refusal, after printing its
-// one-line reason on standard output where it has one. After a refusal the records may be partly
-// filled and must not be used.
+// Every operation that returns int returns 1 for success. For a refusal it returns 0, after it has
+// printed its reason, if it has one, in one line on standard output. After a refusal the records
+// may be partly filled and must not be used.
 #ifndef ZVISP_CMDLINE_ISP_ARGS_PARSE_H_
 #define ZVISP_CMDLINE_ISP_ARGS_PARSE_H_
 
@@ -27,12 +27,11 @@
 
 class CCpIspArgsParse {
  public:
-  // Scans and judges a command line. Words that are not options are listed and passed over; a
-  // word that the scanner cannot read is reported and skipped.
+  // Reads and judges a command line; see cmdline/command_line_reader.h for what that prints.
   int ParseArgs(int argc, char** argv);
 
-  // Judges the raw arguments and fills both records. For signing and verifying with a signature
-  // type, the verdict of the signature-argument validator is the result.
+  // Judges the raw arguments and fills both records. For --sign and --verify with a signature type
+  // the result is that of CCpDigitalSignArgsHandle.
   int JudgeArgument(STRUCT_CP_ISP_CMD_ARGS args);
 
   // The judged records, owned by the parser.
@@ -40,8 +39,8 @@ class CCpIspArgsParse {
   void SetISPCmdSetting(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting);
   const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS& GetDigitalSignArgs() const { return *m_sign_args; }
 
-  // The directory (UTF-8, ending in "/") against which firmware and key names are resolved and
-  // which the searches list. Empty, as it starts, it means the working directory.
+  // The directory of relative firmware and key names and of the searches: UTF-8, ends in "/".
+  // Empty, as at first, it means the working directory.
   std::string GetCurrentDir() const { return m_current_dir; }
   void SetCurrentDir(const std::string& directory) { m_current_dir = directory; }
 
@@ -72,7 +71,7 @@ class CCpIspArgsParse {
                             std::uint32_t& enumVersionLocationType,
                             std::uint32_t& enumUserDefinedVersionType);
 
-  // Option texts to values. Empty text is accepted where the option may be left out.
+  // Option texts to values. An empty text is accepted where the option is not required.
   static int GetCommID(const std::string& text, std::uint32_t& enumCommID);
   static int GetSlaveAddress(const std::string& text, std::int32_t& bAutoSlaveAddr,
                              std::uint8_t& ucSlaveAddr);

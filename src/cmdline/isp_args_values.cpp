@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The readers of single option values.
+// The readers of single option values. Numbers are decimal, hexadecimal (0x) or octal (0).
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -33,15 +33,15 @@ bool IsWithin(int value, int low, int high) {
   return low <= value && value <= high;
 }
 
-// Reads a number that is kept by its 32 bits, so that 0x80000000 and above stay what they are.
-bool ReadWord(const std::string& text, std::uint32_t& word) {
+// Reads a number of 32 bits. Text from 0x80000000 on is a negative int, and the cast restores it.
+bool ReadU32(const std::string& text, std::uint32_t& number) {
   int value = 0;
   if (!StringtoInt(text, value)) return false;
-  word = static_cast<std::uint32_t>(value);
+  number = static_cast<std::uint32_t>(value);
   return true;
 }
 
-// Reads the pieces of a list, empty ones left out, as bytes; false at the first that is none.
+// Reads the pieces of a list as bytes and drops empty pieces; false when a piece is not a byte.
 bool ReadBytes(const std::string& text, const char* delimiter, std::vector<std::uint8_t>& bytes) {
   for (const std::string& piece : StringSplit(text, delimiter, 0)) {
     int value = 0;
@@ -68,11 +68,13 @@ int ReadSignatureMode(const std::string& text, int highest, std::uint32_t& mode)
 
 std::uint32_t ReadRecordVersionMode(const std::string& text) {
   int mode = 0;
+  // Kept quirk: a mode that is not a number is not refused, it is mode 2.
   if (text.empty() || !StringtoInt(text, mode) || !IsWithin(mode, 0, 1)) return 2;
   return static_cast<std::uint32_t>(mode);
 }
 
 bool IsVersionPlaceLegal(const STRUCT_READ_VERSION_FROM_FLASH_SETTING& setting) {
+  // 64 bits, because a sum that wraps around would pass.
   const std::uint64_t parts = std::uint64_t{setting.ulMajorVerLen} + setting.ulSubVerLen;
   const std::uint64_t end = std::uint64_t{setting.ulVerAddr} + setting.ulTotalVerLen;
   return setting.ulTotalVerLen <= kMaxTotalVersionLength && parts <= setting.ulTotalVerLen &&
@@ -132,7 +134,7 @@ int CCpIspArgsParse::GetCommID(const std::string& text, std::uint32_t& enumCommI
     return 0;
   }
   if (!IsWithin(comm, 1, 16)) {
-    // Without the blank of its neighbours: scripts match this text.
+    // Kept quirk: no blank before the newline, unlike the other messages. Scripts match this text.
     std::printf("Parameter out of range! --comm %s\n", text.c_str());
     return 0;
   }
@@ -150,7 +152,7 @@ int CCpIspArgsParse::GetSlaveAddress(const std::string& text, std::int32_t& bAut
     std::printf("Parameter illegal! --slave %s \n", text.c_str());
     return 0;
   }
-  if (slave == 0) return 1;
+  if (slave == 0) return 1;  // find it automatically
   bAutoSlaveAddr = 0;
   if (!IsWithin(slave, 1, 254)) {
     std::printf("Parameter out of range! --slave %s \n", text.c_str());
@@ -171,7 +173,7 @@ int CCpIspArgsParse::GetDigitalSignatureHwMode(const std::string& text, std::uin
 int CCpIspArgsParse::GetUserFlag(const std::string& address, const std::string& data,
                                  STRUCT_FLAG_SETTING& flag) {
   if (address.empty()) return 1;
-  if (!ReadWord(address, flag.ulFlagAddr)) {
+  if (!ReadU32(address, flag.ulFlagAddr)) {
     std::printf("Parameter illegal! --flagaddr %s \n", address.c_str());
     return 0;
   }
@@ -180,8 +182,8 @@ int CCpIspArgsParse::GetUserFlag(const std::string& address, const std::string& 
     std::printf("Parameter illegal! --flagdata %s \n", data.c_str());
     return 0;
   }
-  // The length is kept by its low 8 bits, so it can never be found too large; what does not fit
-  // is left out instead.
+  // Kept quirk: the plug-in gets the low 8 bits of the count. So a list is never too long: bytes
+  // after the 1220th are dropped.
   flag.ulFlagLength = static_cast<std::uint32_t>(bytes.size()) & kCountMask;
   bytes.resize(kUserFlagCapacity, 0xFF);
   std::copy(bytes.begin(), bytes.end(), flag.ucFlagData);
@@ -196,13 +198,13 @@ int CCpIspArgsParse::GetReadVersionFromFlashSetting(
   const bool has_sub = !args.strSubVerLen.empty();
   if (!has_address && !has_total && !has_major && !has_sub) return 1;
   if (!has_address || !has_total || !has_major) return 0;
-  if (!ReadWord(args.strVerAddr, setting.ulVerAddr) ||
-      !ReadWord(args.strTotalVerLen, setting.ulTotalVerLen) ||
-      !ReadWord(args.strMajorVerLen, setting.ulMajorVerLen)) {
+  if (!ReadU32(args.strVerAddr, setting.ulVerAddr) ||
+      !ReadU32(args.strTotalVerLen, setting.ulTotalVerLen) ||
+      !ReadU32(args.strMajorVerLen, setting.ulMajorVerLen)) {
     return 0;
   }
   setting.ulSubVerLen = 0;
-  if (has_sub && !ReadWord(args.strSubVerLen, setting.ulSubVerLen)) return 0;
+  if (has_sub && !ReadU32(args.strSubVerLen, setting.ulSubVerLen)) return 0;
   setting.enumRecordVerMode = ReadRecordVersionMode(args.strRecordVerMode);
   return IsVersionPlaceLegal(setting) ? 1 : 0;
 }
@@ -210,8 +212,9 @@ int CCpIspArgsParse::GetReadVersionFromFlashSetting(
 int CCpIspArgsParse::GetDumpFlashSetting(const STRUCT_CP_ISP_CMD_ARGS& args,
                                          STRUCT_DUMP_FLASH_SETTING& dump) {
   if (args.strDumpAddr.empty() && args.strDumpLen.empty()) return 0;
-  if (!ReadWord(args.strDumpAddr, dump.ulDumpAddr)) return 0;
-  if (!ReadWord(args.strDumpLen, dump.ulDumpLen) || dump.ulDumpLen == 0) return 0;
+  if (!ReadU32(args.strDumpAddr, dump.ulDumpAddr)) return 0;
+  if (!ReadU32(args.strDumpLen, dump.ulDumpLen) || dump.ulDumpLen == 0) return 0;
+  // Kept quirk: a name without ".bin" is replaced, not refused.
   const std::string name = IsBinName(args.strDumpName) ? args.strDumpName : "dumpFile.bin";
   CopyWideToBuffer(CCpTransform().ConvertUTF8StringToUnicode(name), kPathCapacity, dump.wszDumpFile,
                    kPathCapacity);
@@ -223,6 +226,7 @@ int CCpIspArgsParse::GetMergeFwInfoCmd(const std::string& text,
   if (text.empty()) return 1;
   std::vector<std::uint8_t> bytes;
   const bool are_bytes = ReadBytes(text, ".", bytes);
+  // Kept quirk: no newline. Scripts match the line that this and the next message make together.
   if (are_bytes && bytes.size() > kMergeFwInfoCapacity) {
     std::printf("Input Flag Length: 0x%zx ,Max Flag Count: 0x%x", bytes.size(),
                 static_cast<unsigned int>(kMergeFwInfoCapacity));
@@ -231,6 +235,7 @@ int CCpIspArgsParse::GetMergeFwInfoCmd(const std::string& text,
     std::printf("Parameter illegal! --MergeFw --write %s \n", text.c_str());
     return 0;
   }
+  // All of the record's bytes are written: a longer command may have been there before.
   merge.ulLength = static_cast<std::uint32_t>(bytes.size()) & kCountMask;
   bytes.resize(kMergeFwInfoCapacity, 0);
   std::copy(bytes.begin(), bytes.end(), merge.ucData);
@@ -247,11 +252,12 @@ int CCpIspArgsParse::GetI2CWriteActionTypeSetting(const STRUCT_CP_ISP_CMD_ARGS& 
   std::vector<std::uint8_t> bytes;
   if (GetI2CCmdFromString(args.strWriteData, bytes) == 0 || bytes.size() > kMaxI2cBytes) return 0;
   i2c.bDdcciCmd = static_cast<std::uint32_t>(args.bDdcciCmd);
+  // A DDC/CI command has its own length in the third byte, next to a flag in the highest bit.
   i2c.ucSlave = bytes[0];
   i2c.ucSubAddr = bytes[1];
   const std::size_t header = i2c.bDdcciCmd != 0 ? 3 : 2;
   const std::size_t data_length = bytes.size() - header;
-  // 256 bytes of data are kept by the low 8 bits of their count, like every count here.
+  // Kept quirk: the low 8 bits of the count, so 256 bytes of data have the length 0.
   i2c.ucDataLen = static_cast<std::uint8_t>(data_length);
   if (i2c.bDdcciCmd != 0) {
     i2c.ucDataLen = bytes[2] & kDdcciLengthMask;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The raw argument record: what the command line said, before anything is judged. Texts are UTF-8
-// as typed, switches are 0 or 1.
+// The raw argument record: what the command line says, before anything is judged. Texts are the
+// bytes as typed, switches are 0 or 1.
 #ifndef ZVISP_CMDLINE_ISP_CMD_ARGS_H_
 #define ZVISP_CMDLINE_ISP_CMD_ARGS_H_
 

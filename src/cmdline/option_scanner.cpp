@@ -20,12 +20,12 @@ bool IsDoubleDash(const char* word) {
   return word != nullptr && std::strcmp(word, "--") == 0;
 }
 
-// A caller may start a program without any name.
+// A process may be started without a name.
 const char* ProgramName(char* const* argv) {
   return argv[0] != nullptr ? argv[0] : "zvisp";
 }
 
-// Characters are handled as unsigned, so that none of them looks like the -1 of the end.
+// Unsigned, so that no character equals the -1 of the end.
 int AsCode(char character) {
   return static_cast<unsigned char>(character);
 }
@@ -120,7 +120,7 @@ const char* CpZvCmdLindParse::ParseCmdLineInital() {
   if (m_command_index == 0) {
     m_command_index = kFirstWord;
   }
-  // The first word, wherever the scan stands: the next step closes the gap by itself.
+  // Kept quirk: the first word, wherever the scan is. The next step corrects both by itself.
   m_first_non_option = kFirstWord;
   m_last_non_option = kFirstWord;
   m_next_char = nullptr;
@@ -138,8 +138,7 @@ void CpZvCmdLindParse::AdvanceToNextWord(int argc, char* const* argv) {
   if (m_command_index != argc && IsDoubleDash(argv[m_command_index])) EndAtDoubleDash(argc, argv);
 }
 
-// A caller may come back with a shorter vector than the one before; nothing may be read or swapped
-// behind its end.
+// The next call may have a shorter vector: nothing is read or swapped after its end.
 void CpZvCmdLindParse::ClampPositions(int argc) {
   m_command_index = std::min(m_command_index, argc);
   m_last_non_option = std::min(m_last_non_option, m_command_index);
@@ -170,7 +169,7 @@ int CpZvCmdLindParse::EndOfOptions() {
 }
 
 void CpZvCmdLindParse::ExchangeAdjacentSubsequence(char* const* argv) {
-  // The words stay the caller's: only their order changes, and main's vector is writable.
+  // Only the order of the pointers changes, and the vector of main is writable.
   char** words = const_cast<char**>(argv);
   int bottom = m_first_non_option;
   const int middle = m_last_non_option;
@@ -193,7 +192,7 @@ void CpZvCmdLindParse::ExchangeAdjacentSubsequence(char* const* argv) {
 int CpZvCmdLindParse::ScanWord(int argc, char* const* argv, int* long_index, int long_only) {
   char* const word = argv[m_command_index];
   if (!IsOptionWord(word)) {
-    // The advance has passed over all of these; what follows relies on the leading dash.
+    // Never reached after AdvanceToNextWord; the code below relies on the leading dash.
     m_command_argument = word;
     ++m_command_index;
     return kScanNonOption;
@@ -206,7 +205,7 @@ int CpZvCmdLindParse::ScanWord(int argc, char* const* argv, int* long_index, int
   if (!m_long_cmds.empty() && long_only != 0 && !is_short_letter) {
     m_next_char = word + 1;
     const int code = ParseLongCmd(argc, argv, long_index, long_only, "-");
-    if (code != -1) return code;
+    if (code != kNotALongOption) return code;
   }
   m_next_char = word + 1;
   return ScanShortCmd(argc, argv);
@@ -262,7 +261,9 @@ int CpZvCmdLindParse::ParseLongCmd(int argc, char* const* argv, int* long_index,
   if (index != kNotFound) return AcceptLongCmd(argc, argv, name, index, long_index);
 
   const bool has_one_dash = std::strncmp(argv[m_command_index], "--", 2) != 0;
-  if (long_only != 0 && has_one_dash && FindShortLetter(*name.text) != nullptr) return -1;
+  if (long_only != 0 && has_one_dash && FindShortLetter(*name.text) != nullptr) {
+    return kNotALongOption;
+  }
   return RejectUnknownLongCmd(name);
 }
 
@@ -293,7 +294,7 @@ bool CpZvCmdLindParse::IsInterchangeable(int index, int other) const {
   return one.nHasArg == two.nHasArg && one.pnFlag == two.pnFlag && one.nValue == two.nValue;
 }
 
-// The candidate is printed even with diagnostics off: it is the only hint at what was meant.
+// Kept quirk: the candidate is printed even with diagnostics off. It shows what may be meant.
 void CpZvCmdLindParse::PrintAmbiguous(const LongName& name, int chosen, int candidate,
                                       bool first) const {
   if (m_error_print != 0 && first) {

@@ -3,12 +3,14 @@
 // The tool's own command-line scanner: walks an argument vector one option at a time.
 //
 // Long options ("--name", "--name value", "--name=value", unique abbreviations) come from a table,
-// short options ("-x", "-xvalue", "-x value", clusters "-xyz") from a string of letters. Words that
-// are no options are moved behind the options, in their order; "--" ends the options.
+// short options ("-x", "-xvalue", "-x value", clusters "-xyz") from a string of letters.
 //
-// All state lives in the object and the scanner never ends the process: a diagnostic is one line on
-// standard error, begun with the first word of the argument vector, and the scan goes on behind the
-// offending word. One thread uses one scanner.
+// A word is one element of the argument vector; an argument is the value of an option. Words that
+// are not options are moved after the options and keep their order. "--" ends the options.
+//
+// All state is in the object, and the scanner never ends the process: a diagnostic is one line on
+// standard error that begins with the first word of the vector, and the scan continues after the
+// word at fault. One thread uses one scanner.
 #ifndef ZVISP_CMDLINE_OPTION_SCANNER_H_
 #define ZVISP_CMDLINE_OPTION_SCANNER_H_
 
@@ -21,13 +23,14 @@ constexpr int kOptionalArgument = 2;  // only ever taken from "--name=value"
 
 // Codes of a scan step; any other is the value of a long option or the character of a short one.
 constexpr int kScanEnd = -1;
+constexpr int kNotALongOption = -1;        // of ParseLongCmd alone: read the word as short options
 constexpr int kScanFlagStored = 0;         // a long option matched and stored through its pointer
 constexpr int kScanNonOption = 1;          // a word returned in order: the scanner always permutes
 constexpr int kScanMissingArgument = ':';  // only when the short-command string begins with ":"
 constexpr int kScanError = '?';
 
-// One long option. The scanner copies the unit but neither the name nor the integer behind the
-// pointer: both must outlive the scan.
+// One long option. The scanner copies the unit, but not the name and not the integer that the
+// pointer points at: both must outlive the scan.
 struct STRUCT_CP_LONG_CMD_UNIT {
   const char* szName;  // without the leading dashes; null ends a table
   int nHasArg;         // one of the kinds above
@@ -40,8 +43,8 @@ class CpZvCmdLindParse {
   CpZvCmdLindParse();
   virtual ~CpZvCmdLindParse() = default;
 
-  // Forgets all options and goes back to word 1, diagnostics on. It does not make the next step a
-  // first one again, which matters to a leading "-" or "+" (see AddShortCmds).
+  // Forgets all options, returns to word 1 and turns diagnostics on. The next step does not count
+  // as a first one again, which matters to a leading "-" or "+" (see AddShortCmds).
   void Reset();
 
   // Stores the pointer (null counts as ""), which must outlive the scan; returns 0. A letter
@@ -50,14 +53,14 @@ class CpZvCmdLindParse {
   // One leading "-" or "+" is dropped at every step but a scanner's first, where it is a letter.
   int AddShortCmds(const char* short_cmds);
 
-  // Append one long option, or those of a table up to a null name; return 0. Earlier options come
-  // first in every search. A unit without a name never matches.
+  // Append one long option, or those of a table up to a null name; return 0. Every search begins
+  // with the option that was added first. A unit without a name never matches.
   int AddLongCmd(const char* name, int has_arg, int* flag, int value);
   int AddLongCmds(const STRUCT_CP_LONG_CMD_UNIT* table);
 
   // One scan step: returns a code as above. `argv[0]` is the program's name and is never scanned.
-  // The pointers of `argv` are reordered in place, the words are not touched. A null pointer among
-  // the first `argc` counts as a word that is no option, and never becomes an argument.
+  // The pointers of `argv` are reordered in place, the words are not changed. A null pointer among
+  // the first `argc` counts as a word that is not an option, and never becomes an argument.
   //
   // Prints, and returns '?' (or ':' in the two "requires an argument" cases), with the unknown
   // character in brackets:
@@ -67,46 +70,46 @@ class CpZvCmdLindParse {
   //   "%s: option '%s%s' requires an argument\n"                          [the option's value]
   //   "%s: invalid option -- '%c'\n"                                      [the character]
   //   "%s: option requires an argument -- '%c'\n"                         [the character]
-  // Each ambiguous name from the third on gets a line of its own, " '%s%s'\n". With diagnostics
-  // off, the second has one too: a list of names is never held back.
+  // Each ambiguous name from the third on has a line of its own, " '%s%s'\n". With diagnostics
+  // off, the second has one too: names are printed in any case.
   int ParseCmdLine(int argc, char* const* argv);
 
-  // The same; `*long_index`, if not null, gets the place of a matched long option in the order of
-  // registration, and is left alone by every other step.
+  // The same, and stores in `*long_index`, if not null, the place of a matched long option in the
+  // order of registration. Every other step leaves it alone.
   int ParseCmdLineEx(int argc, char* const* argv, int* long_index);
 
   // The same, and a single dash may introduce a long option too ("long-only mode"). A word of one
   // known short letter stays a short option.
   int ParseCmdLineLong(int argc, char* const* argv, int* long_index);
 
-  // Text of the argument of the option just returned, or null. It points into the word it was
-  // given in; after a step that returned an option with a required argument it is never null.
+  // The argument of the option that the last step returned, or null. It points into its word, and
+  // is never null for an option with a required argument.
   const char* GetCmdArg() const { return m_command_argument; }
 
   // After an error, what was wrong (see ParseCmdLine); '?' before the first error.
   int GetUnknownChar() const { return m_unknown_char; }
 
-  // Index of the next word to scan; after the end, of the first word that is no option.
+  // Index of the next word to scan; after the end, of the first word that is not an option.
   int GetCmdIndex() const { return m_command_index; }
 
-  // The pieces of a step. They work on the position that the scan has reached and expect the
-  // vector of that scan; a caller has no need of them.
+  // The pieces of a step. They continue from the position of the scan and expect the vector of
+  // that scan. A caller does not need them.
 
-  // The step behind the three above.
+  // The step that the three above make.
   int ParseCmdLineHandler(int argc, char* const* argv, int* long_index, int long_only);
 
   // Matches the long option at the current position. `prefix`, "--" or "-", is only printed.
-  // Returns a code, or -1 when the word is to be read as short options (long-only mode).
+  // Returns a code, or kNotALongOption (long-only mode).
   int ParseLongCmd(int argc, char* const* argv, int* long_index, int long_only, const char* prefix);
 
   // Gets ready for a first step; returns the short-command string.
   const char* ParseCmdLineInital();
 
-  // Swaps the run of non-options with the options scanned behind it, without extra memory.
+  // Swaps the run of non-options with the options that were scanned after it, in place.
   void ExchangeAdjacentSubsequence(char* const* argv);
 
  private:
-  // The long option as it stands in the word: everything behind the prefix.
+  // A long option as its word has it: everything after the prefix.
   struct LongName;
 
   void PrepareStep();
@@ -138,8 +141,8 @@ class CpZvCmdLindParse {
   std::vector<STRUCT_CP_LONG_CMD_UNIT> m_long_cmds;
   const char* m_short_cmds;
   int m_initialised = 0;
-  const char* m_next_char;  // inside the current word; null or at its end between words
-  int m_first_non_option;   // the run of non-options passed over: [first, last)
+  const char* m_next_char;  // inside the current word; between words, null or at its end
+  int m_first_non_option;   // the run of skipped non-options: [first, last)
   int m_last_non_option;
   const char* m_command_argument;
   int m_command_index;
