@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """compare_options.py TABLE-PRINTER SOURCE-DIR: the manual and the completions name exactly the
-options of the tool's table, and agree with it on which of them take a value."""
+options of the tool's table, and agree with it on which of them take a value. The other documents
+name no option that the table lacks."""
 import pathlib
 import re
 import subprocess
@@ -39,6 +40,16 @@ def from_fish(text):
             for name, kind in re.findall(r"^complete -c zvisp -l (\w+) (-\w)", text, re.M)]
 
 
+MISTYPED_ON_PURPOSE = {"bnak", "ws"}
+
+
+def unknown_options(text, known):
+    """The options in a document's commands and code words that the tool does not have."""
+    commands = re.findall(r"^(?:\$ )?(?:zvisp|\S*flash-one\.sh) .*$", text, re.M)
+    named = re.findall(r"`(--\w+)", text) + re.findall(r"(?<=\s)--\w+", "\n".join(commands))
+    return sorted({name[2:] for name in named} - known - MISTYPED_ON_PURPOSE)
+
+
 def main(printer, source):
     table = [tuple(line.split())
              for line in subprocess.check_output([printer], text=True).splitlines()]
@@ -55,6 +66,10 @@ def main(printer, source):
         for option in sorted({entry for entry in found if found.count(entry) > 1}):
             print(f"{name}: names --{option[0]} twice")
         failed = failed or sorted(found) != sorted(table)
+    for name in ("README.md", "docs/glossary.md", "docs/signing.md", "docs/macos.md"):
+        for option in unknown_options(pathlib.Path(source, name).read_text(), dict(table).keys()):
+            print(f"{name}: names --{option}, which the table does not have")
+            failed = True
     sys.exit(failed)
 
 
