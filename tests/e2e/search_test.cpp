@@ -11,6 +11,7 @@
 #include "support/files.h"
 #include "support/installation.h"
 #include "support/record_bytes.h"
+#include "support/scratch_dir.h"
 #include "support/unprivileged.h"
 
 #include <gmock/gmock.h>
@@ -186,8 +187,7 @@ TEST_F(Search, FilesThatComeAndGoDuringSearchesNeverHarmThem) {
 }
 
 TEST(SearchOfManyFiles, AHundredThousandFilesAreSearchedInOneRun) {
-  // A file system in memory, where there is one, makes that many files in a tenth of the time.
-  if (FileExists("/dev/shm")) setenv("TMPDIR", "/dev/shm", 1);
+  PreferScratchInMemory();
   Installation tool;
   tool.WithIspPlugin(TestPlugin("recording_isp"));
   for (int i = 0; i < 100000; ++i)

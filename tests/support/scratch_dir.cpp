@@ -2,6 +2,7 @@
 #include "support/scratch_dir.h"
 
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -41,4 +42,9 @@ ScratchDir::~ScratchDir() {
   if (!failure) return;
   OpenUp(m_root);
   fs::remove_all(m_root, failure);
+}
+
+void PreferScratchInMemory() {
+  constexpr const char* kMemory = "/dev/shm";
+  if (access(kMemory, W_OK | X_OK) == 0) setenv("TMPDIR", kMemory, 1);
 }
