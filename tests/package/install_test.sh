@@ -24,7 +24,10 @@ sh "$here/steps.sh" "$prefix/bin/zvisp"
 ln -s "$prefix/bin/zvisp" "$scratch/tool"
 sh "$here/steps.sh" "$scratch/tool"
 
-cmake -S "$here/plugin" -B "$scratch/plugin" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
+# The generator and the program of this build: nothing says that CMake's own choice is installed.
+cached() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
+cmake -S "$here/plugin" -B "$scratch/plugin" -DCMAKE_PREFIX_PATH="$prefix" \
+  -G "$(cached CMAKE_GENERATOR)" -DCMAKE_MAKE_PROGRAM="$(cached CMAKE_MAKE_PROGRAM)" >/dev/null
 cmake --build "$scratch/plugin" >/dev/null
 cp "$scratch/plugin/libIsp.dylib" "$prefix/libexec/zvisp/PlugIn/"
 : >"$scratch/empty.bin"

@@ -1,0 +1,43 @@
+# shellcheck shell=bash
+# SPDX-License-Identifier: MIT
+# What the other scripts share; they source it. Needs bash.
+
+# quietly TEXT COMMAND...: says what happens and runs the command with its output hidden. Every 20 s
+# it says that the command still runs; a failure shows the output. The command's status is returned.
+quietly() {
+  local text=$1 status=0 log beat started=$SECONDS
+  shift
+  log=$(mktemp)
+  echo "$text ..."
+  # No process of the beat keeps the caller's output open, and it ends with this script.
+  while sleep 20 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
+    echo "  ... still running after $((SECONDS - started)) s"
+  done &
+  beat=$!
+  "$@" >"$log" 2>&1 || status=$?
+  kill "$beat"
+  wait "$beat" 2>/dev/null || true
+  if [ "$status" -ne 0 ]; then cat "$log" >&2; fi
+  rm -f "$log"
+  return "$status"
+}
+
+processors() { getconf _NPROCESSORS_ONLN; }
+
+# configure DIRECTORY OPTION...: configures a build. One that exists keeps its generator, which may
+# be another one than ours.
+configure() {
+  local directory=$1
+  shift
+  if [ -f "$directory/CMakeCache.txt" ]; then
+    cmake -S . -B "$directory" "$@"
+  else
+    cmake -S . -B "$directory" -G Ninja "$@"
+  fi
+}
+
+# succeeded STATUS FILE: whether a run of zvisp with this exit status and this output succeeded. The
+# word alone proves nothing: a path or a plug-in may print it as well.
+succeeded() {
+  [ "$1" -eq 0 ] && cmp -s <(tail -c 16 "$2") <(printf '\033[32mSuccess\n\033[m')
+}
