@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the tests of parsing and judgement share: a parser whose directory is a test's own, and its
-// two records as a plug-in would see them.
+// What the tests of parsing and judgement share: a parser with a directory for each test, and its
+// two records as a plug-in sees them.
 #ifndef ZVISP_TESTS_SUPPORT_COMMAND_LINE_FIXTURE_H_
 #define ZVISP_TESTS_SUPPORT_COMMAND_LINE_FIXTURE_H_
 
@@ -12,6 +12,7 @@
 
 #include "cmdline/isp_args_parse.h"
 #include "support/files.h"
+#include "support/printed.h"
 #include "support/record_bytes.h"
 #include "support/scratch_dir.h"
 
@@ -39,7 +40,7 @@ class CommandLineTest : public testing::Test {
     GivenSparseFile(m_scratch / name, banks * 65536);
   }
 
-  // The result of a whole command line; m_out and m_err are what it printed.
+  // The result of a whole command line; m_out and m_err are what was printed.
   int Parse(std::vector<std::string> words) {
     words.insert(words.begin(), "prog");
     std::vector<char*> vector;
@@ -67,11 +68,8 @@ class CommandLineTest : public testing::Test {
  private:
   template <typename Code>
   int Capturing(Code&& code) {
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    const int result = code();
-    m_out = testing::internal::GetCapturedStdout();
-    m_err = testing::internal::GetCapturedStderr();
+    int result = -1;
+    m_out = Printed([&] { m_err = PrintedErrors([&] { result = code(); }); });
     return result;
   }
 

@@ -11,10 +11,11 @@
 #include <vector>
 
 #include "cmdline/option_scanner.h"
+#include "support/printed.h"
 
 #include <gtest/gtest.h>
 
-// An argument vector "prog <words...>" with a word behind its end that nothing may touch.
+// An argument vector "prog <words...>" with a word after its end that nothing may touch.
 class Words {
  public:
   Words(std::initializer_list<const char*> words) : m_texts(words.begin(), words.end()) {
@@ -24,7 +25,7 @@ class Words {
     }
     m_pointers.push_back(m_guard.data());
   }
-  ~Words() { EXPECT_EQ(m_pointers.back(), m_guard.data()) << "swapped behind the end"; }
+  ~Words() { EXPECT_EQ(m_pointers.back(), m_guard.data()) << "swapped after the end"; }
   Words(const Words&) = delete;
   Words& operator=(const Words&) = delete;
 
@@ -85,11 +86,9 @@ class OptionScannerTest : public testing::Test {
     return Scan(words, mode);
   }
 
-  // What one step printed.
+  // What one step printed on standard error.
   std::string Printed(Words& words, Mode mode = kTwoDashes) {
-    testing::internal::CaptureStderr();
-    m_code = Step(words, mode);
-    return testing::internal::GetCapturedStderr();
+    return PrintedErrors([&] { m_code = Step(words, mode); });
   }
 
   void ExpectStartState() const {

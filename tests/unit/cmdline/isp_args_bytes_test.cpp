@@ -17,7 +17,7 @@ using testing::Each;
 using testing::ElementsAre;
 using Parser = CCpIspArgsParse;
 
-// "1,1,1": so many times the item.
+// The item so many times: "1,1,1".
 std::string List(std::size_t count, const std::string& delimiter, const std::string& item = "1") {
   std::string list;
   for (std::size_t i = 0; i < count; ++i) {
@@ -52,7 +52,7 @@ TEST(IspArgsBytes, AUserFlagWithoutAnAddressIsNotRead) {
   EXPECT_THAT(flag.ucFlagData, Each(0xFF));
 }
 
-TEST(IspArgsBytes, AUserFlagIsStoredWithItsAddressAndFilledUpWithFF) {
+TEST(IspArgsBytes, AUserFlagIsStoredWithItsAddressAndTheRestIsFF) {
   STRUCT_FLAG_SETTING flag;
   std::memset(flag.ucFlagData, 0x11, sizeof flag.ucFlagData);
   flag.ulFlagLength = 9;
@@ -64,14 +64,24 @@ TEST(IspArgsBytes, AUserFlagIsStoredWithItsAddressAndFilledUpWithFF) {
   EXPECT_EQ(flag.ucFlagData[1219], 0xFF);
 }
 
-TEST(IspArgsBytes, TheLengthOfAUserFlagIsItsLow8BitsAndNoByteIsWrittenBeyondThe1220th) {
+TEST(IspArgsBytes, TheLengthOfAUserFlagIsItsLow8BitsAndNoByteIsWrittenAfterThe1220th) {
+  // clang-format off
   constexpr struct {
     std::size_t count;
     std::uint32_t length;
     int last;  // byte 1219
-  } kCases[] = {{0, 0, 0xFF},    {1, 1, 0xFF},    {255, 255, 0xFF},
-                {256, 0, 0xFF},  {257, 1, 0xFF},  {1219, 0xC3, 0xFF},
-                {1220, 0xC4, 1}, {1221, 0xC5, 1}, {3000, 0xB8, 1}};
+  } kCases[] = {
+      {0,    0,    0xFF},
+      {1,    1,    0xFF},
+      {255,  255,  0xFF},
+      {256,  0,    0xFF},
+      {257,  1,    0xFF},
+      {1219, 0xC3, 0xFF},
+      {1220, 0xC4, 1},
+      {1221, 0xC5, 1},
+      {3000, 0xB8, 1},
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     Guarded<STRUCT_FLAG_SETTING> flag;
     int result = -1;
@@ -86,7 +96,7 @@ TEST(IspArgsBytes, TheLengthOfAUserFlagIsItsLow8BitsAndNoByteIsWrittenBeyondThe1
   }
 }
 
-TEST(IspArgsBytes, AUserFlagWithSomethingElseThanBytesIsRefused) {
+TEST(IspArgsBytes, AUserFlagThatIsNotBytesIsRefused) {
   const std::string far_off = List(1220, ",") + ",256";
   const struct {
     std::string address;
@@ -127,11 +137,19 @@ TEST(IspArgsBytes, NoMergeCommandLeavesTheSettingAlone) {
 }
 
 TEST(IspArgsBytes, AMergeCommandHoldsSixteenBytes) {
+  // clang-format off
   const struct {
     std::size_t count;
     const char* hex;  // null: it fits
-  } cases[] = {{15, nullptr}, {16, nullptr},  {17, "0x11"},
-               {20, "0x14"},  {256, "0x100"}, {272, "0x110"}};
+  } cases[] = {
+      {15,  nullptr},
+      {16,  nullptr},
+      {17,  "0x11"},
+      {20,  "0x14"},
+      {256, "0x100"},
+      {272, "0x110"},
+  };
+  // clang-format on
   for (const auto& test : cases) {
     const std::string text = List(test.count, ".");
     const std::string refusal = test.hex == nullptr
@@ -148,7 +166,7 @@ TEST(IspArgsBytes, AMergeCommandHoldsSixteenBytes) {
   }
 }
 
-TEST(IspArgsBytes, AMergeCommandWithSomethingElseThanBytesIsRefused) {
+TEST(IspArgsBytes, AMergeCommandThatIsNotBytesIsRefused) {
   for (const std::string text : {"1,2", "x", "1.256", "-1", "1.2 "}) {
     STRUCT_MERGE_FW_INFO_SETTING merge;
     int result = -1;
@@ -159,12 +177,25 @@ TEST(IspArgsBytes, AMergeCommandWithSomethingElseThanBytesIsRefused) {
 }
 
 TEST(IspArgsBytes, AnI2cCommandHasThreeBytesOrMore) {
+  // clang-format off
   constexpr struct {
     const char* text;
     int result;
-  } kCases[] = {{"", 0},      {"1", 0},      {"1,2", 0},     {"1,2,", 0},
-                {"1,2,3", 1}, {"1,,2,3", 1}, {"1,2,256", 0}, {"1,2,-1", 0},
-                {"1,2,x", 0}, {"1,2 ,3", 0}, {"1, 2, 3", 1}, {"1.2.3", 0}};
+  } kCases[] = {
+      {"",        0},
+      {"1",       0},
+      {"1,2",     0},
+      {"1,2,",    0},
+      {"1,2,3",   1},
+      {"1,,2,3",  1},
+      {"1,2,256", 0},
+      {"1,2,-1",  0},
+      {"1,2,x",   0},
+      {"1,2 ,3",  0},
+      {"1, 2, 3", 1},
+      {"1.2.3",   0},
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     std::vector<std::uint8_t> bytes;
     int result = -1;
@@ -195,11 +226,20 @@ TEST(IspArgsBytes, ARawI2cCommandIsSlaveSubAddressAndData) {
 }
 
 TEST(IspArgsBytes, ARawI2cCommandHasUpTo258Bytes) {
+  // clang-format off
   constexpr struct {
     std::size_t count;
     int result;
     int length;
-  } kCases[] = {{2, 0, 0}, {3, 1, 1}, {257, 1, 255}, {258, 1, 0}, {259, 0, 0}, {1000, 0, 0}};
+  } kCases[] = {
+      {2,    0, 0},
+      {3,    1, 1},
+      {257,  1, 255},
+      {258,  1, 0},
+      {259,  0, 0},
+      {1000, 0, 0},
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     Guarded<STRUCT_I2C_WRITE_ACTION_TYPE_SETTING> i2c;
     EXPECT_EQ(Parser::GetI2CWriteActionTypeSetting(I2cArgs(List(test.count, ","), 0), i2c.record),
@@ -212,7 +252,7 @@ TEST(IspArgsBytes, ARawI2cCommandHasUpTo258Bytes) {
   }
 }
 
-TEST(IspArgsBytes, ADdcciCommandTellsItsLengthInTheThirdByte) {
+TEST(IspArgsBytes, ADdcciCommandHasItsLengthInTheThirdByte) {
   const struct {
     std::string text;
     int result;

@@ -58,8 +58,8 @@ class IspArgsJudge : public CommandLineTest {
   }
 };
 
-// Everything is wrong at first; each round repairs the first fault and meets the next.
-TEST_F(IspArgsJudge, JudgesInItsOrderAndTellsTheFirstFault) {
+// Everything is wrong at first. Each round repairs the first fault and finds the next.
+TEST_F(IspArgsJudge, JudgesInItsOrderAndReportsTheFirstFault) {
   STRUCT_CP_ISP_CMD_ARGS args = Action(3);
   args.ulReadWriteBits = 2;
   args.strMergeCommand = "x";
@@ -123,7 +123,7 @@ TEST_F(IspArgsJudge, OnlyReadOrWriteSetsTheMergeType) {
   EXPECT_EQ(Setting().U32(kMergeType), 0u);
 }
 
-TEST_F(IspArgsJudge, AHardwareModeIsReadAsOne) {
+TEST_F(IspArgsJudge, AHardwareModeHasItsOwnRangeAndField) {
   ExpectRefused(Signature(kIsp, 2, "3"),
                 "Parameter out of range! --dsmode 3 \nDigital signature mode is illegal!\n");
   GivenSlot("a.bin");
@@ -136,7 +136,7 @@ TEST_F(IspArgsJudge, AHardwareModeIsReadAsOne) {
   EXPECT_EQ(m_out, "");
 }
 
-TEST_F(IspArgsJudge, SigningReturnsTheVerdictAndJudgesNothingBelow) {
+TEST_F(IspArgsJudge, SigningReturnsTheVerdictAndJudgesNothingElse) {
   GivenFw("a.bin");
   STRUCT_CP_ISP_CMD_ARGS args = Signature(kSign, 1, "2");
   args.ulInformationBits = 3;
@@ -153,7 +153,7 @@ TEST_F(IspArgsJudge, SigningReturnsTheVerdictAndJudgesNothingBelow) {
   EXPECT_EQ(Setting().Wide(kSettingFilePath), "");
 }
 
-TEST_F(IspArgsJudge, ARefusedVerdictOnSigningIsTheResult) {
+TEST_F(IspArgsJudge, ARefusalToSignIsTheResult) {
   ExpectRefused(Signature(kSign, 1, "1"),
                 "Digital signature: Tavero digital signature can not support sign function!\n");
   ExpectRefused(Signature(kSign, 1, "2"),
@@ -198,7 +198,7 @@ TEST_F(IspArgsJudge, ProgrammingWithTheKeyOnTheDeviceLeavesTheVerdictToThePlugIn
   EXPECT_EQ(Judge(Signature(kIsp, 1, "4")), 1);
   EXPECT_EQ(m_out, "Digital signature: Signature file is missing!\n");
   EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
-  EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin") << "what was resolved until then";
+  EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin") << "resolved before the refusal";
   EXPECT_EQ(Setting().U32(8), 4u);
 }
 
@@ -279,7 +279,7 @@ TEST_F(IspArgsJudge, ParametersOfAnActionAreJudgedOnlyForIt) {
   ExpectRefused(args, "");
 }
 
-TEST_F(IspArgsJudge, TheSettingsFileIsTheOneBesideTheExecutableUnlessNamed) {
+TEST_F(IspArgsJudge, TheSettingsFileIsNextToTheExecutableUnlessNamed) {
   const std::string directory = GetCurrentProcessDir(nullptr).GetUtf8String();
   ExpectSettingFile("", directory + "IspSetting.ini");
   ExpectSettingFile("/etc/x.ini", "/etc/x.ini");

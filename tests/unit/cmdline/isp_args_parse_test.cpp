@@ -14,27 +14,31 @@ namespace {
 class IspArgsParse : public CommandLineTest {};
 
 TEST_F(IspArgsParse, AnActionAloneGivesTheRecordOfThatAction) {
+  // clang-format off
   constexpr struct {
     const char* option;
     std::uint32_t action;
-  } kCases[] = {{"--verify", 1},
-                {"--sign", 2},
-                {"--erase", 3},
-                {"--recordver", 8},
-                {"--srstatus", 9},
-                {"--flashtype", 10},
-                {"--readsr", 11},
-                {"--writesr", 12},
-                {"--readsafeguard", 13},
-                {"--writesafeguard", 14},
-                {"--resetmcu", 15},
-                {"--getstatus", 18},
-                {"--userdefinedinfo", 19},
-                {"--edpisp", 20},
-                {"--enterispmode", 21},
-                {"--mergefwinfo", 22},
-                {"--senduserdefinedinfo", 23},
-                {"--getscalertype", 25}};
+  } kCases[] = {
+      {"--verify",              1},
+      {"--sign",                2},
+      {"--erase",               3},
+      {"--recordver",           8},
+      {"--srstatus",            9},
+      {"--flashtype",           10},
+      {"--readsr",              11},
+      {"--writesr",             12},
+      {"--readsafeguard",       13},
+      {"--writesafeguard",      14},
+      {"--resetmcu",            15},
+      {"--getstatus",           18},
+      {"--userdefinedinfo",     19},
+      {"--edpisp",              20},
+      {"--enterispmode",        21},
+      {"--mergefwinfo",         22},
+      {"--senduserdefinedinfo", 23},
+      {"--getscalertype",       25},
+  };
+  // clang-format on
   const std::string directory = GetCurrentProcessDir(nullptr).GetUtf8String();
   for (const auto& test : kCases) {
     GivenFreshParser();
@@ -46,49 +50,30 @@ TEST_F(IspArgsParse, AnActionAloneGivesTheRecordOfThatAction) {
 }
 
 TEST_F(IspArgsParse, SwitchesReachTheirFields) {
-  constexpr struct {
-    std::vector<std::string> (*words)();
+  // clang-format off
+  const struct {
+    std::vector<std::string> words;
     std::size_t offset;
     std::uint32_t value;
-  } kCases[] = {
-      {[] { return std::vector<std::string>{"--newboot"}; }, 52, 1},
-      {[] { return std::vector<std::string>{"--factory"}; }, 56, 2},
-      {[] { return std::vector<std::string>{"--ispchannel"}; }, 48, 1},
-      {[] { return std::vector<std::string>{"--comparever"}; }, 44, 1},
-      {[] {
-         return std::vector<std::string>{"--comm", "0x10"};
-       },
-       24, 16},
-      {[] { return std::vector<std::string>{"--comm=6"}; }, 24, 6},
-      {[] {
-         return std::vector<std::string>{"--edpmode", "isp"};
-       },
-       28, 1},
-      {[] {
-         return std::vector<std::string>{"--edpmode", "readver"};
-       },
-       28, 2},
-      {[] {
-         return std::vector<std::string>{"--slave", "0x50"};
-       },
-       36, 0x50},
-      {[] {
-         return std::vector<std::string>{"--slave", "0x50"};
-       },
-       32, 0},
-      {[] {
-         return std::vector<std::string>{"--userdefined", "3"};
-       },
-       16, 3},
-      {[] {
-         return std::vector<std::string>{"--userdefined", "3"};
-       },
-       12, 8},
-      {[] { return std::vector<std::string>{"--copydiffer"}; }, 12, 7},
+  } cases[] = {
+      {{"--newboot"},            52, 1},
+      {{"--factory"},            56, 2},
+      {{"--ispchannel"},         48, 1},
+      {{"--comparever"},         44, 1},
+      {{"--comm", "0x10"},       24, 16},
+      {{"--comm=6"},             24, 6},
+      {{"--edpmode", "isp"},     28, 1},
+      {{"--edpmode", "readver"}, 28, 2},
+      {{"--slave", "0x50"},      36, 0x50},
+      {{"--slave", "0x50"},      32, 0},
+      {{"--userdefined", "3"},   16, 3},
+      {{"--userdefined", "3"},   12, 8},
+      {{"--copydiffer"},         12, 7},
   };
-  for (const auto& test : kCases) {
+  // clang-format on
+  for (const auto& test : cases) {
     GivenFreshParser();
-    std::vector<std::string> words = test.words();
+    std::vector<std::string> words = test.words;
     words.insert(words.begin(), "--erase");
     EXPECT_EQ(Parse(words), 1) << words[1];
     EXPECT_EQ(Setting().U32(test.offset), test.value) << words[1];
@@ -164,7 +149,7 @@ TEST_F(IspArgsParse, ARefusedSlotEndsTheReadingAtOnce) {
   }
 }
 
-TEST_F(IspArgsParse, AMergeCommandIsTakenOnlyBehindTheActionThatNeedsIt) {
+TEST_F(IspArgsParse, AMergeCommandIsStoredOnlyAfterTheActionThatNeedsIt) {
   EXPECT_EQ(Parse({"--mergefwinfo", "--write", "1.2.3"}), 1);
   EXPECT_EQ(Setting().U32(20), 1u);
   EXPECT_EQ(Setting().U32(275308), 3u);
@@ -178,7 +163,7 @@ TEST_F(IspArgsParse, AMergeCommandIsTakenOnlyBehindTheActionThatNeedsIt) {
   EXPECT_EQ(Setting().U32(275308), 0u);
 }
 
-TEST_F(IspArgsParse, ReadingAndWritingTogetherIsNeitherInTheRecord) {
+TEST_F(IspArgsParse, ReadAndWriteTogetherCountAsRead) {
   EXPECT_EQ(Parse({"--mergefwinfo", "--read"}), 1);
   EXPECT_EQ(Setting().U32(20), 0u);
   GivenFreshParser();
@@ -187,7 +172,7 @@ TEST_F(IspArgsParse, ReadingAndWritingTogetherIsNeitherInTheRecord) {
   EXPECT_EQ(Setting().U32(275308), 0u);
 }
 
-TEST_F(IspArgsParse, AUserDefinedVersionIsEmptiedByALaterSwitchOfTheBits) {
+TEST_F(IspArgsParse, AUserDefinedVersionIsEmptiedByALaterOptionWithABit) {
   EXPECT_EQ(Parse({"--erase", "--userdefined", "2"}), 1);
   EXPECT_EQ(Setting().U32(16), 2u);
   GivenFreshParser();
@@ -196,7 +181,7 @@ TEST_F(IspArgsParse, AUserDefinedVersionIsEmptiedByALaterSwitchOfTheBits) {
             "Get user defined version mode fail, mode is: \n"
             "Get version type fail\n");
   GivenFreshParser();
-  EXPECT_EQ(Parse({"--erase", "--userdefined", "2", "--newboot"}), 1) << "no switch of the bits";
+  EXPECT_EQ(Parse({"--erase", "--userdefined", "2", "--newboot"}), 1) << "--newboot has no bit";
   EXPECT_EQ(Setting().U32(16), 2u);
 }
 
@@ -224,7 +209,7 @@ TEST_F(IspArgsParse, AnAutomaticSearchTakesTheFirstBinFile) {
   EXPECT_EQ(Setting().Wide(kFirstPath), m_scratch / "only.bin");
 }
 
-TEST_F(IspArgsParse, ASearchByAnotherWordIsRefused) {
+TEST_F(IspArgsParse, AnotherKindOfSearchIsRefused) {
   for (const char* const word : {"", "Auto", "autox", "prefix "}) {
     GivenFreshParser();
     EXPECT_EQ(Parse({"--isp", "--searchfw", word, "--nothing"}), 0) << word;
@@ -250,7 +235,7 @@ TEST_F(IspArgsParse, ASearchByIdentificationUsesTheFileInTheDirectory) {
   EXPECT_EQ(m_out, "get userdefined info fail!\n");
 }
 
-TEST_F(IspArgsParse, AnotherEdpModeIsRefusedWithoutALineEnd) {
+TEST_F(IspArgsParse, AnotherEdpModeIsRefusedWithoutANewline) {
   for (const char* const mode : {"", "ISP", "read"}) {
     GivenFreshParser();
     EXPECT_EQ(Parse({"--edpisp", "--edpmode", mode}), 0) << mode;
@@ -258,13 +243,13 @@ TEST_F(IspArgsParse, AnotherEdpModeIsRefusedWithoutALineEnd) {
   }
 }
 
-TEST_F(IspArgsParse, StrayWordsAreListedAndPassedOver) {
+TEST_F(IspArgsParse, WordsThatAreNotOptionsAreListedAndIgnored) {
   EXPECT_EQ(Parse({"one", "--erase", "two", "--", "--sign"}), 1);
   EXPECT_EQ(m_out, "non-option ARGV-elements: one two --sign \n");
   EXPECT_EQ(Setting().U32(kAction), 3u);
 }
 
-TEST_F(IspArgsParse, AWordThatCannotBeReadIsReportedAndTheNextOneRead) {
+TEST_F(IspArgsParse, AWordThatCannotBeReadIsReportedAndTheNextIsRead) {
   const struct {
     std::string word;
     std::string printed;
@@ -312,7 +297,7 @@ TEST_F(IspArgsParse, TheSameCommandLineGivesTheSameBytes) {
   EXPECT_TRUE(SameBytes(SignArgs(), first_sign_args));
 }
 
-TEST_F(IspArgsParse, ARecordThatIsHandedInIsTheOneThatIsJudgedAndHandedOut) {
+TEST_F(IspArgsParse, TheCallersRecordIsJudgedAndReturned) {
   STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING setting{};
   setting.enumActionType = CP_ISPTOOL_ACTION_ISP;
   setting.enumCommID = 9;

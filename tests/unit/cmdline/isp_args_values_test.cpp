@@ -17,49 +17,62 @@ using Parser = CCpIspArgsParse;
 constexpr std::uint32_t kUntouched = 77;
 
 TEST(IspArgsValues, ASingleBitIsUnique) {
+  // clang-format off
   constexpr struct {
     std::uint32_t bits;
     int unique;
-  } kCases[] = {{0, 0}, {1, 1},          {0x10000, 1}, {0x80000000, 1},
-                {3, 0}, {0x80000001, 0}, {7, 0},       {0xFFFFFFFF, 0}};
+  } kCases[] = {
+      {0,          0},
+      {1,          1},
+      {0x10000,    1},
+      {0x80000000, 1},
+      {3,          0},
+      {0x80000001, 0},
+      {7,          0},
+      {0xFFFFFFFF, 0},
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     EXPECT_EQ(Parser::JudgeUniqueAttribute(test.bits), test.unique) << test.bits;
   }
 }
 
 TEST(IspArgsValues, AnActionBitGivesTheActionsNumber) {
+  // clang-format off
   constexpr struct {
     std::uint32_t bits;
     std::uint32_t action;
-  } kCases[] = {{0x1, 1},
-                {0x2, 2},
-                {0x4, 3},
-                {0x8, 4},
-                {0x10, 5},
-                {0x20, 6},
-                {0x40, 7},
-                {0x80, 8},
-                {0x100, 9},
-                {0x200, 10},
-                {0x400, 11},
-                {0x800, 12},
-                {0x1000, 13},
-                {0x2000, 14},
-                {0x4000, 15},
-                {0x8000, 16},
-                {0x20000, 18},
-                {0x40000, 19},
-                {0x80000, 20},
-                {0x100000, 21},
-                {0x200000, 22},
-                {0x400000, 23},
-                {0x800000, 24},
-                {0x1000000, 25},
-                // --factoryisp, no bit, two bits, a bit without an option
-                {0x10000, 0},
-                {0, 0},
-                {3, 0},
-                {0x2000000, 0}};
+  } kCases[] = {
+      {0x1,       1},
+      {0x2,       2},
+      {0x4,       3},
+      {0x8,       4},
+      {0x10,      5},
+      {0x20,      6},
+      {0x40,      7},
+      {0x80,      8},
+      {0x100,     9},
+      {0x200,     10},
+      {0x400,     11},
+      {0x800,     12},
+      {0x1000,    13},
+      {0x2000,    14},
+      {0x4000,    15},
+      {0x8000,    16},
+      {0x20000,   18},
+      {0x40000,   19},
+      {0x80000,   20},
+      {0x100000,  21},
+      {0x200000,  22},
+      {0x400000,  23},
+      {0x800000,  24},
+      {0x1000000, 25},
+      {0x10000,   0},  // --factoryisp
+      {0,         0},
+      {3,         0},  // two bits
+      {0x2000000, 0},  // a bit without an option
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     std::uint32_t action = kUntouched;
     Parser::GetActionType(test.bits, action);
@@ -86,11 +99,23 @@ TEST(IspArgsValues, OnlyTheWriteBitAloneGivesTheMergeTypeWrite) {
 }
 
 TEST(IspArgsValues, AnInformationBitGivesTheVersionLocation) {
+  // clang-format off
   constexpr struct {
     std::uint32_t bits;
     std::uint32_t location;
-  } kCases[] = {{1, 1},    {2, 2},    {4, 3},     {8, 4}, {0x10, 5},
-                {0x20, 6}, {0x40, 7}, {0x100, 0}, {3, 0}, {0, 0}};
+  } kCases[] = {
+      {1,     1},
+      {2,     2},
+      {4,     3},
+      {8,     4},
+      {0x10,  5},
+      {0x20,  6},
+      {0x40,  7},
+      {0x100, 0},
+      {3,     0},
+      {0,     0},
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     std::uint32_t location = kUntouched;
     std::uint32_t version = kUntouched;
@@ -161,7 +186,7 @@ TEST(IspArgsValues, ACommunicationNumberIsOneToSixteen) {
   }
 }
 
-TEST(IspArgsValues, ASlaveAddressIsOneTo254AndNoneOrZeroIsFoundByItself) {
+TEST(IspArgsValues, ASlaveAddressIsOneTo254AndNoneOrZeroIsAutomatic) {
   struct Case {
     std::string text;
     int result;
@@ -200,7 +225,7 @@ struct ModeCase {
   std::string printed;
 };
 
-// What both readers of --dsmode have in common.
+// Both readers of --dsmode agree on these.
 const ModeCase kModeCases[] = {
     {"", 1, kUntouched, ""},
     {"1", 1, 1, ""},
@@ -253,12 +278,18 @@ STRUCT_CP_ISP_CMD_ARGS Place(const PlaceCase& test) {
   return args;
 }
 
-TEST(IspArgsValues, AVersionPlaceInFlashInsideTheLimitsIsTaken) {
+TEST(IspArgsValues, AVersionPlaceInFlashWithinTheLimitsIsAccepted) {
+  // clang-format off
   constexpr PlaceCase kLegal[] = {
-      {"0x1000", "8", "4", "4"},  {"0x1000", "8", "4", ""}, {"0", "1", "1", "0"},
-      {"0", "256", "256", "0"},   {"0", "256", "1", "255"}, {"0xFFFEFF", "256", "1", ""},
-      {"0xFFFFFE", "1", "1", ""},
+      {"0x1000",   "8",   "4",   "4"},
+      {"0x1000",   "8",   "4",   ""},
+      {"0",        "1",   "1",   "0"},
+      {"0",        "256", "256", "0"},
+      {"0",        "256", "1",   "255"},
+      {"0xFFFEFF", "256", "1",   ""},
+      {"0xFFFFFE", "1",   "1",   ""},
   };
+  // clang-format on
   for (const PlaceCase& test : kLegal) {
     STRUCT_READ_VERSION_FROM_FLASH_SETTING setting;
     int result = -1;
@@ -269,19 +300,30 @@ TEST(IspArgsValues, AVersionPlaceInFlashInsideTheLimitsIsTaken) {
   }
 }
 
-TEST(IspArgsValues, AVersionPlaceInFlashBeyondALimitIsRefusedInSilence) {
+TEST(IspArgsValues, AVersionPlaceInFlashOutsideALimitIsRefusedSilently) {
+  // clang-format off
   constexpr PlaceCase kIllegal[] = {
-      {"", "8", "4", "4"},           {"0", "", "4", "4"},
-      {"0", "8", "", "4"},           {"", "", "", "4"},
-      {"x", "8", "4", "4"},          {"0", "x", "4", "4"},
-      {"0", "8", "x", "4"},          {"0", "8", "4", "x"},
-      {"0", "257", "1", ""},         {"0", "8", "0", "8"},
-      {"0", "8", "5", "4"},          {"0", "8", "9", ""},
-      {"0xFFFF00", "256", "1", ""},  {"0xFFFFFF", "1", "1", ""},
-      {"0", "-1", "1", ""},          {"-1", "1", "1", ""},
-      {"0", "8", "0xFFFFFFFF", "1"}, {"0xFFFFFFFF", "8", "1", ""},
-      {"0", "8", "1", "-1"},
+      {"",           "8",   "4",          "4"},
+      {"0",          "",    "4",          "4"},
+      {"0",          "8",   "",           "4"},
+      {"",           "",    "",           "4"},
+      {"x",          "8",   "4",          "4"},
+      {"0",          "x",   "4",          "4"},
+      {"0",          "8",   "x",          "4"},
+      {"0",          "8",   "4",          "x"},
+      {"0",          "257", "1",          ""},
+      {"0",          "8",   "0",          "8"},
+      {"0",          "8",   "5",          "4"},
+      {"0",          "8",   "9",          ""},
+      {"0xFFFF00",   "256", "1",          ""},
+      {"0xFFFFFF",   "1",   "1",          ""},
+      {"0",          "-1",  "1",          ""},
+      {"-1",         "1",   "1",          ""},
+      {"0",          "8",   "0xFFFFFFFF", "1"},
+      {"0xFFFFFFFF", "8",   "1",          ""},
+      {"0",          "8",   "1",          "-1"},
   };
+  // clang-format on
   for (const PlaceCase& test : kIllegal) {
     STRUCT_READ_VERSION_FROM_FLASH_SETTING setting;
     int result = -1;
@@ -293,7 +335,7 @@ TEST(IspArgsValues, AVersionPlaceInFlashBeyondALimitIsRefusedInSilence) {
   }
 }
 
-TEST(IspArgsValues, AVersionPlaceInFlashIsStoredNumberByNumber) {
+TEST(IspArgsValues, AVersionPlaceInFlashIsStored) {
   STRUCT_READ_VERSION_FROM_FLASH_SETTING setting;
   setting.ulSubVerLen = kUntouched;
   EXPECT_EQ(Parser::GetReadVersionFromFlashSetting(Place({"0x1234", "010", "3", "5"}), setting), 1);
@@ -315,11 +357,22 @@ TEST(IspArgsValues, NoVersionPlaceInFlashLeavesTheSettingZero) {
 }
 
 TEST(IspArgsValues, ARecordVersionModeThatIsNeitherZeroNorOneIsTwo) {
+  // clang-format off
   constexpr struct {
     const char* text;
     std::uint32_t mode;
-  } kCases[] = {{"", 2},  {"0", 0}, {"1", 1},  {"0x1", 1}, {"2", 2},
-                {"3", 2}, {"x", 2}, {"-1", 2}, {"1 ", 2}};
+  } kCases[] = {
+      {"",    2},
+      {"0",   0},
+      {"1",   1},
+      {"0x1", 1},
+      {"2",   2},
+      {"3",   2},
+      {"x",   2},
+      {"-1",  2},
+      {"1 ",  2},
+  };
+  // clang-format on
   for (const auto& test : kCases) {
     STRUCT_CP_ISP_CMD_ARGS args = Place({"0", "8", "4", "4"});
     args.strRecordVerMode = test.text;
@@ -391,10 +444,17 @@ TEST(IspArgsValues, ADumpNameThatDoesNotEndInBinIsReplaced) {
 }
 
 TEST(IspArgsValues, AnOverlongDumpNameIsCutAt259Units) {
+  // clang-format off
   const struct {
     std::size_t units;
     std::size_t kept;
-  } cases[] = {{258, 258}, {259, 259}, {260, 259}, {3000, 259}};
+  } cases[] = {
+      {258,  258},
+      {259,  259},
+      {260,  259},
+      {3000, 259},
+  };
+  // clang-format on
   for (const auto& test : cases) {
     std::string name;
     for (std::size_t i = 4; i < test.units; ++i) {

@@ -1,18 +1,20 @@
 // SPDX-License-Identifier: MIT
 //
-// The scanner beside the C library's getopt_long on random argument vectors: code, argument, index,
-// flag, table index, offending character and the final order of the words must agree, step by step.
+// The scanner and the C library's getopt_long on the same random argument vectors: code, argument,
+// index, flag, table index, character at fault and the final order of the words must be the same,
+// step by step.
 //
-// Known differences, never generated or not compared here and pinned by the scanner's other tests:
-//  - the wording of messages, and the lists of ambiguous names that nothing holds back;
+// Known differences. They are not generated or not compared here; the scanner's other tests have
+// them:
+//  - the text of messages, and the names of an ambiguous option, which are printed in any case;
 //  - a leading "-" or "+" of the letters, which asks getopt_long for another order, and "W;";
-//  - "-" within a cluster, which some C libraries take for the end of the options;
-//  - two long options alike in kind, flag and value (values are unique here), or of the same name:
-//    C libraries disagree about when these are ambiguous;
+//  - "-" inside a cluster, which for some C libraries ends the options;
+//  - two long options of the same kind, flag and value (values are unique here), or of the same
+//    name: C libraries differ in when these are ambiguous;
 //  - an empty table, with which this scanner reads "--x" as letters;
 //  - characters above 0x7F, whose sign differs between platforms;
-//  - words behind the end: both are asked no more after -1;
-//  - the offending value of an option with a flag, which some C libraries report as 0.
+//  - words after the end: neither is called again after -1;
+//  - the value of a wrong option with a flag, which some C libraries report as 0.
 #include "cmdline/option_scanner.h"
 
 #include <fcntl.h>
@@ -44,7 +46,7 @@ constexpr const char* kValues[] = {"", "1", "a=b", "=", "-x", "--isp"};
 constexpr char kLetters[] = "abfirvx";
 constexpr char kStrangers[] = "qz:;=";
 
-// getopt_long keeps its place in globals, and each C library has its own way to start afresh.
+// getopt_long keeps its position in globals, and each C library restarts in its own way.
 void RestartGetopt() {
 #ifdef __GLIBC__
   optind = 0;
@@ -56,7 +58,7 @@ void RestartGetopt() {
   optopt = '?';
 }
 
-// Sends standard error away while it lives: a third of the vectors are faulty.
+// Discards standard error during its lifetime: a third of the vectors have an error.
 class QuietStderr {
  public:
   QuietStderr() : m_saved(dup(STDERR_FILENO)) {
@@ -78,7 +80,7 @@ class QuietStderr {
 
 class Dice {
  public:
-  // 0 to sides - 1; spelled out because distributions differ between libraries.
+  // 0 to sides - 1. Not a standard distribution: these differ between libraries.
   std::size_t Roll(std::size_t sides) { return m_engine() % sides; }
   bool Once(std::size_t in) { return Roll(in) == 0; }
   template <std::size_t Size>
@@ -171,7 +173,7 @@ std::vector<char*> PointersTo(std::vector<std::string>& words) {
   return pointers;
 }
 
-// What one step told its caller.
+// What one step returned.
 struct Answer {
   int code;
   const char* argument;
@@ -189,7 +191,7 @@ void PrintTo(const Answer& answer, std::ostream* out) {
        << answer.unknown;
 }
 
-// One vector in two copies of its pointers, scanned by both sides in step.
+// One vector in two copies of its pointers, scanned by both, step by step.
 class Race {
  public:
   Race(Options& options, std::vector<std::string>& words, bool long_only)
@@ -260,7 +262,7 @@ std::string Description(const Options& options, const std::vector<std::string>& 
   return text;
 }
 
-// How often each kind of answer was seen: a comparison that never met one proves nothing.
+// How often each kind of answer was seen: without one, the comparison proves nothing about it.
 struct Tally {
   int vectors = 0;
   int errors = 0;
@@ -312,7 +314,7 @@ void CompareOnRandomVectors(int tables, bool long_only, Tally& tally) {
   }
 }
 
-TEST(OptionScannerBesideGetopt, AgreesOnThreeHundredThousandRandomVectors) {
+TEST(OptionScannerAndGetopt, AgreeOnThreeHundredThousandRandomVectors) {
   Tally tally;
   CompareOnRandomVectors(kTables, false, tally);
   EXPECT_EQ(tally.vectors, 330000);
@@ -323,8 +325,8 @@ TEST(OptionScannerBesideGetopt, AgreesOnThreeHundredThousandRandomVectors) {
 }
 
 #ifdef __GLIBC__
-// Elsewhere getopt_long_only has abbreviation rules of its own.
-TEST(OptionScannerBesideGetopt, AgreesInLongOnlyMode) {
+// The getopt_long_only of other C libraries has its own rules for abbreviations.
+TEST(OptionScannerAndGetopt, AgreeInLongOnlyMode) {
   Tally tally;
   CompareOnRandomVectors(kTables / 4, true, tally);
   EXPECT_EQ(tally.vectors, 82500);

@@ -54,7 +54,7 @@ constexpr MessageCase kMessageCases[] = {
 };
 // clang-format on
 
-TEST_F(OptionScannerMessages, PrintsAndReportsEachErrorAsStated) {
+TEST_F(OptionScannerMessages, PrintsAndReturnsEachError) {
   for (const MessageCase& row : kMessageCases) {
     SCOPED_TRACE(std::string(row.short_cmds) + " " + row.word);
     m_scanner.Reset();
@@ -112,17 +112,18 @@ TEST_F(OptionScannerMessages, TreatsAnEmptyNameAsAnAbbreviationOfAll) {
   EXPECT_EQ(Printed(words), "prog: command '--=x' is ambiguous; possibilities: '--fw' '--isp'\n");
 }
 
-TEST_F(OptionScannerMessages, GoesOnBehindAnError) {
+TEST_F(OptionScannerMessages, ContinuesAfterAnError) {
   GivenLong({{"verify", kNoArgument, nullptr, 7}, {"version", kNoArgument, nullptr, 8}});
   m_scanner.AddShortCmds("v");
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(Scan({"a", "--ver", "--no", "-xv", "--verify=1", "--verify"}),
-            "? ? ? v ? 7 @6: --ver --no -xv --verify=1 --verify a");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+  std::string scan;
+  EXPECT_EQ(PrintedErrors([&] {
+              scan = Scan({"a", "--ver", "--no", "-xv", "--verify=1", "--verify"});
+            }),
             "prog: command '--ver' is ambiguous; possibilities: '--verify' '--version'\n"
             "prog: unrecognized command '--no'\n"
             "prog: invalid option -- 'x'\n"
             "prog: option '--verify' doesn't allow an argument\n");
+  EXPECT_EQ(scan, "? ? ? v ? 7 @6: --ver --no -xv --verify=1 --verify a");
 }
 
 TEST_F(OptionScannerMessages, StaysSilentOnceAColonHasBeenSeen) {

@@ -16,7 +16,7 @@ using OptionScanner = OptionScannerTest;
 
 static_assert(std::has_virtual_destructor_v<CpZvCmdLindParse>);
 
-TEST_F(OptionScanner, StartsInTheStatedState) {
+TEST_F(OptionScanner, StartsAtTheFirstWordWithoutAnError) {
   ExpectStartState();
 }
 
@@ -39,7 +39,7 @@ TEST_F(OptionScanner, KeepsTheLastArgumentWhenThereAreNoWords) {
   EXPECT_EQ(m_scanner.GetCmdArg(), nullptr);
 }
 
-TEST_F(OptionScanner, MovesNonOptionsBehindTheOptions) {
+TEST_F(OptionScanner, MovesNonOptionsAfterTheOptions) {
   GivenLong({{"verify", kNoArgument, nullptr, 7}});
   Words words({"a", "--verify", "b"});
   EXPECT_EQ(Step(words), 7);
@@ -132,7 +132,7 @@ TEST_F(OptionScanner, PrefersAnExactNameAndOfTwoTheFirst) {
   EXPECT_EQ(Scan({"--bank"}), "4 @2: --bank");
 }
 
-TEST_F(OptionScanner, TakesInterchangeableCandidatesForOne) {
+TEST_F(OptionScanner, AcceptsInterchangeableCandidates) {
   int flag = 0;
   int other = 0;
   const Unit first = {"verify", kNoArgument, &flag, 7};
@@ -201,7 +201,7 @@ TEST_F(OptionScanner, DropsOneLeadingSignAtEachLaterStep) {
   EXPECT_EQ(Printed(words), "prog: invalid option -- '-'\n");
 }
 
-TEST_F(OptionScanner, SeesAColonBehindASignFromTheSecondStepOn) {
+TEST_F(OptionScanner, SeesAColonAfterASignFromTheSecondStepOn) {
   m_scanner.AddShortCmds("-:a:");
   Words words({"-x", "-x", "-a"});
   EXPECT_EQ(Printed(words), "prog: invalid option -- 'x'\n");
@@ -240,7 +240,7 @@ TEST_F(OptionScanner, FindsADashAmongTheLettersWithoutLongOptions) {
   EXPECT_EQ(Scan({"--x", "--", "-x"}), "- x @3: --x -- -x");
 }
 
-TEST_F(OptionScanner, TakesAnyCharacterForALetter) {
+TEST_F(OptionScanner, AcceptsAnyCharacterAsALetter) {
   m_scanner.AddShortCmds("#1=");
   EXPECT_EQ(Scan({"-#1", "-="}), "# 1 = @3: -#1 -=");
 }
@@ -252,26 +252,37 @@ TEST_F(OptionScanner, ReadsOneDashAsLettersOutsideLongOnlyMode) {
 }
 
 TEST_F(OptionScanner, ChoosesBetweenLongAndShortInLongOnlyMode) {
-  const Unit table[] = {{"verify", kNoArgument, nullptr, 7},
-                        {"fw", kRequiredArgument, nullptr, 8},
-                        {nullptr, 0, nullptr, 0}};
+  // clang-format off
+  const Unit table[] = {
+      {"verify", kNoArgument,       nullptr, 7},
+      {"fw",     kRequiredArgument, nullptr, 8},
+      {nullptr,  0,                 nullptr, 0},
+  };
   const struct {
     const char* word;
     const char* dump;
   } kCases[] = {
-      {"-verify", "7 @2: -verify"}, {"--verify", "7 @2: --verify"}, {"-ve", "7 @2: -ve"},
-      {"-v", "v @2: -v"},           {"-va", "v a @2: -va"},         {"-f=x=y", "8{x=y} @2: -f=x=y"},
-      {"-av", "a v @2: -av"},       {"-v=1", "? @2: -v=1"},         {"--a", "? @2: --a"},
-      {"-zv", "? @2: -zv"},
+      {"-verify",  "7 @2: -verify"},
+      {"--verify", "7 @2: --verify"},
+      {"-ve",      "7 @2: -ve"},
+      {"-v",       "v @2: -v"},
+      {"-va",      "v a @2: -va"},
+      {"-f=x=y",   "8{x=y} @2: -f=x=y"},
+      {"-av",      "a v @2: -av"},
+      {"-v=1",     "? @2: -v=1"},
+      {"--a",      "? @2: --a"},
+      {"-zv",      "? @2: -zv"},
   };
-  testing::internal::CaptureStderr();
-  for (const auto& [word, dump] : kCases) {
-    m_scanner.Reset();
-    m_scanner.AddLongCmds(table);
-    m_scanner.AddShortCmds("va");
-    EXPECT_EQ(Scan({word}, kLongOnly), dump);
-  }
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+  // clang-format on
+  const std::string printed = PrintedErrors([&] {
+    for (const auto& [word, dump] : kCases) {
+      m_scanner.Reset();
+      m_scanner.AddLongCmds(table);
+      m_scanner.AddShortCmds("va");
+      EXPECT_EQ(Scan({word}, kLongOnly), dump);
+    }
+  });
+  EXPECT_EQ(printed,
             "prog: option '-verify' doesn't allow an argument\n"
             "prog: unrecognized command '--a'\n"
             "prog: unrecognized command '-zv'\n");
@@ -280,19 +291,19 @@ TEST_F(OptionScanner, ChoosesBetweenLongAndShortInLongOnlyMode) {
 TEST_F(OptionScanner, PrintsANameWhenTheProgramHasNone) {
   std::string word = "-x";
   char* argv[] = {nullptr, word.data(), nullptr};
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(m_scanner.ParseCmdLine(2, argv), '?');
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "zvisp: invalid option -- 'x'\n");
+  EXPECT_EQ(PrintedErrors([&] { m_code = m_scanner.ParseCmdLine(2, argv); }),
+            "zvisp: invalid option -- 'x'\n");
+  EXPECT_EQ(m_code, '?');
 }
 
-TEST_F(OptionScanner, TakesANullWordForANonOptionAndNeverForAnArgument) {
+TEST_F(OptionScanner, ReadsANullWordAsANonOptionAndNeverAsAnArgument) {
   GivenLong({{"fw", kRequiredArgument, nullptr, 2}});
   std::string program = "prog";
   std::string option = "--fw";
   char* argv[] = {program.data(), nullptr, option.data(), nullptr};
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(m_scanner.ParseCmdLine(4, argv), '?');
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "prog: option '--fw' requires an argument\n");
+  EXPECT_EQ(PrintedErrors([&] { m_code = m_scanner.ParseCmdLine(4, argv); }),
+            "prog: option '--fw' requires an argument\n");
+  EXPECT_EQ(m_code, '?');
   EXPECT_EQ(m_scanner.ParseCmdLine(4, argv), -1);
   EXPECT_EQ(argv[1], option.data());
   EXPECT_EQ(m_scanner.GetCmdIndex(), 2);
@@ -314,9 +325,9 @@ TEST_F(OptionScanner, StaysInsideAVectorThatEndsWithinACluster) {
   m_scanner.AddShortCmds("vf:");
   Words words({"a", "b", "-vf"});
   EXPECT_EQ(Step(words), 'v');
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(m_scanner.ParseCmdLine(1, words.Vector()), '?');
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "prog: option requires an argument -- 'f'\n");
+  EXPECT_EQ(PrintedErrors([&] { m_code = m_scanner.ParseCmdLine(1, words.Vector()); }),
+            "prog: option requires an argument -- 'f'\n");
+  EXPECT_EQ(m_code, '?');
   EXPECT_EQ(m_scanner.ParseCmdLine(1, words.Vector()), -1);
 }
 
@@ -326,13 +337,13 @@ TEST_F(OptionScanner, IgnoresUnitsWithoutANameAndANullString) {
   EXPECT_EQ(Scan({"--fw", "--f"}), "2 2 @3: --fw --f");
 }
 
-TEST_F(OptionScanner, TakesANullStringForNoLetters) {
+TEST_F(OptionScanner, ReadsANullStringAsNoLetters) {
   m_scanner.AddShortCmds(nullptr);
   Words words({"-#"});
   EXPECT_EQ(Printed(words), "prog: invalid option -- '#'\n");
 }
 
-TEST_F(OptionScanner, DoesNothingWhenAPieceIsAskedForTooEarly) {
+TEST_F(OptionScanner, DoesNothingWhenAPieceIsCalledTooEarly) {
   GivenLong({{"fw", kNoArgument, nullptr, 2}});
   m_scanner.AddShortCmds("v");
   Words words({"a", "--fw"});
@@ -343,7 +354,7 @@ TEST_F(OptionScanner, DoesNothingWhenAPieceIsAskedForTooEarly) {
   EXPECT_EQ(m_scanner.GetCmdIndex(), 1);
 }
 
-TEST_F(OptionScanner, KeepsItsPlaceWhenItGetsReadyInTheMiddleOfAScan) {
+TEST_F(OptionScanner, KeepsItsPlaceWhenItIsPreparedInTheMiddleOfAScan) {
   m_scanner.AddShortCmds("vx");
   Words words({"-v", "-x"});
   EXPECT_EQ(Step(words), 'v');
@@ -364,14 +375,17 @@ TEST_F(OptionScanner, KeepsTheRunOfNonOptionsWhenItIsMovedByHand) {
 
 TEST_F(OptionScanner, StartsAFreshScanAfterReset) {
   GivenLong({{"fw", kRequiredArgument, nullptr, 2}});
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(Scan({"a", "--fw=x", "--no"}), "2{x} ? @3: --fw=x --no a");
+  EXPECT_EQ(PrintedErrors([&] {
+              EXPECT_EQ(Scan({"a", "--fw=x", "--no"}), "2{x} ? @3: --fw=x --no a");
+            }),
+            "prog: unrecognized command '--no'\n");
   m_scanner.Reset();
   ExpectStartState();
   GivenLong({{"isp", kNoArgument, nullptr, 3}});
-  EXPECT_EQ(Scan({"b", "--isp", "--fw"}), "3 ? @3: --isp --fw b");
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "prog: unrecognized command '--no'\nprog: unrecognized command '--fw'\n");
+  EXPECT_EQ(PrintedErrors([&] {
+              EXPECT_EQ(Scan({"b", "--isp", "--fw"}), "3 ? @3: --isp --fw b");
+            }),
+            "prog: unrecognized command '--fw'\n");
 }
 
 TEST_F(OptionScanner, KeepsTwoScannersApart) {
