@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 //
-// zvisp-line: the words of the command line go to the commands.
+// zvisp-line: the words of the command line go to the commands, or to a worker.
+#include <cstring>
 #include <string>
 #include <vector>
 
 #include "app/standard_streams.h"
 #include "line/command/commands.h"
+#include "line/worker/worker.h"
 
 int main(int argc, char** argv) {
   PrepareStandardStreams();
+  if (argc > 2 && std::strcmp(argv[1], line::kWorkerCommand) == 0) {
+    return line::RunWorker(argc - 2, argv + 2);
+  }
   return line::RunCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc});
 }

@@ -6,6 +6,10 @@
 
 int CCpIspArgsParse::ParseArgs(int argc, char** argv) {
   STRUCT_CP_ISP_CMD_ARGS args;
+  return ParseArgs(argc, argv, args);
+}
+
+int CCpIspArgsParse::ParseArgs(int argc, char** argv, STRUCT_CP_ISP_CMD_ARGS& args) {
   if (!ReadCommandLine(argc, argv, m_current_dir, m_slots, args, m_setting->wszSettingFilePath)) {
     return 0;
   }

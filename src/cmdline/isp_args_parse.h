@@ -29,6 +29,12 @@ class CCpIspArgsParse {
  public:
   // Reads and judges a command line; see cmdline/command_line_reader.h for what that prints.
   int ParseArgs(int argc, char** argv);
+  // The same for a host that also asks what was typed: REQUIRES a new record, which belongs to the
+  // caller. After a refusal by an option it holds what was read before that option.
+  int ParseArgs(int argc, char** argv, STRUCT_CP_ISP_CMD_ARGS& args);
+
+  // The files and start banks as typed.
+  const FwBankMap& GetSlots() const { return m_slots; }
 
   // Judges the raw arguments and fills both records. For --sign and --verify with a signature type
   // the result is that of CCpDigitalSignArgsHandle.

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "line/journal/interface_lock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+
+namespace line {
+
+namespace {
+
+constexpr const char* kDirectory = "/var/tmp/zvisp-line.locks";
+constexpr std::uint32_t kInterfaces = 17;
+// Somebody who only asks whether an interface is free holds it for a moment.
+constexpr int kTries = 4;
+constexpr auto kBetweenTries = std::chrono::milliseconds(10);
+
+// The variable is for tests: they must not meet each other's locks, nor an operator's.
+std::string Directory() {
+  const char* const other = std::getenv("ZVISP_LINE_LOCK_DIR");
+  return other == nullptr || *other == '\0' ? kDirectory : other;
+}
+
+// Every user of the host works with the directory, and nobody can take another's file away.
+bool MakeDirectory(const std::string& directory) {
+  if (mkdir(directory.c_str(), 01777) != 0) return errno == EEXIST;
+  return chmod(directory.c_str(), 01777) == 0;
+}
+
+std::string FileOf(std::uint32_t comm) {
+  return Directory() + "/comm-" + std::to_string(comm);
+}
+
+// An existing file is opened without O_CREAT: the system refuses that flag for other users' files
+// in a directory like this.
+int OpenLockFile(const std::string& path) {
+  constexpr int kFlags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+  for (int i = 0; i < 2; ++i) {
+    int file = open(path.c_str(), O_RDWR | kFlags);
+    if (file < 0 && errno == ENOENT) {
+      file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | kFlags, 0666);
+      // Whatever the creator's umask is.
+      if (file >= 0) static_cast<void>(fchmod(file, 0666));
+    }
+    if (file >= 0 || errno != EEXIST) return file;
+  }
+  return -1;
+}
+
+bool IsLocked(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+  if (file < 0) return false;
+  const bool locked = flock(file, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+  close(file);
+  return locked;
+}
+
+void WriteHolder(int file, const std::string& holder) {
+  if (ftruncate(file, 0) != 0) return;
+  static_cast<void>(!pwrite(file, holder.data(), holder.size(), 0));
+}
+
+std::string HolderIn(const std::string& path) {
+  char text[256] = {};
+  const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+  if (file < 0) return "";
+  const ssize_t bytes = read(file, text, sizeof text - 1);
+  close(file);
+  return bytes > 0 ? std::string(text, static_cast<std::size_t>(bytes)) : "";
+}
+
+std::string InUseBy(const std::string& path, const std::string& what) {
+  const std::string holder = HolderIn(path);
+  return what + " is in use" + (holder.empty() ? "" : " by " + holder) +
+         "; wait for its end, or give --wait SECONDS.";
+}
+
+std::string AnyInterfaceInUse() {
+  for (std::uint32_t comm = 0; comm < kInterfaces; ++comm) {
+    if (IsLocked(FileOf(comm))) {
+      return InUseBy(FileOf(comm),
+                     "This run needs the host alone, but interface " + std::to_string(comm));
+    }
+  }
+  return "This run needs the host alone, but an interface is in use; wait for its end, or give "
+         "--wait SECONDS.";
+}
+
+std::string NotAvailable(const std::string& path) {
+  return "The lock " + path + " cannot be opened: " + std::strerror(errno) +
+         "; make its directory writable for every user (mode 1777).";
+}
+
+}  // namespace
+
+InterfaceLock::Answer InterfaceLock::TakeOnce(const InterfaceUse& use, const std::string& holder,
+                                              std::string& reason) {
+  const std::string host = Directory() + "/comm-all";
+  const std::string own = FileOf(use.comm);
+  m_host = MakeDirectory(Directory()) ? OpenLockFile(host) : -1;
+  m_interface = m_host < 0 ? -1 : OpenLockFile(own);
+  if (m_interface < 0) {
+    reason = NotAvailable(m_host < 0 ? host : own);
+    return Answer::kNotAvailable;
+  }
+  const bool alone = use.alone || use.comm == 0;
+  if (flock(m_host, (alone ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
+    reason = alone ? AnyInterfaceInUse() : InUseBy(host, "The whole host");
+    return Answer::kInUse;
+  }
+  if (flock(m_interface, LOCK_EX | LOCK_NB) != 0) {
+    reason = InUseBy(own, "Interface " + std::to_string(use.comm));
+    return Answer::kInUse;
+  }
+  WriteHolder(m_interface, holder);
+  if (alone) WriteHolder(m_host, holder);
+  return Answer::kTaken;
+}
+
+InterfaceLock::Answer InterfaceLock::Take(const InterfaceUse& use, const std::string& holder,
+                                          std::string& reason) {
+  Answer answer = Answer::kInUse;
+  for (int i = 0; i < kTries && answer == Answer::kInUse; ++i) {
+    if (i > 0) std::this_thread::sleep_for(kBetweenTries);
+    answer = TakeOnce(use, holder, reason);
+    if (answer != Answer::kTaken) Release();
+  }
+  return answer;
+}
+
+void InterfaceLock::Release() {
+  for (int* const file : {&m_interface, &m_host}) {
+    if (*file >= 0) close(*file);
+    *file = -1;
+  }
+}
+
+bool IsInterfaceFree(std::uint32_t comm) {
+  return !IsLocked(FileOf(comm));
+}
+
+}  // namespace line

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+//
+// A worker as its parent sees it: the process, its process group, the parent's end of the sockets.
+#ifndef ZVISP_LINE_SUPERVISE_WORKER_PROCESS_H_
+#define ZVISP_LINE_SUPERVISE_WORKER_PROCESS_H_
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "line/worker/messages.h"
+
+namespace line {
+
+// How a process ended.
+struct ProcessEnd {
+  std::optional<int> exit_status;
+  std::optional<int> signal;
+};
+
+class WorkerProcess {
+ public:
+  WorkerProcess() = default;
+  // Ends the whole process group at once, and waits for the worker.
+  ~WorkerProcess();
+  WorkerProcess(const WorkerProcess&) = delete;
+  WorkerProcess& operator=(const WorkerProcess&) = delete;
+
+  // Starts this program as a worker for zvisp's words, in a process group of its own, with
+  // /dev/null as standard input and `output` as standard output and error. `copies_lock` is an
+  // open file that it keeps open, or -1. False, with a sentence in `error`, when it cannot be
+  // started.
+  bool Start(const std::vector<std::string>& words, int output, int copies_lock,
+             std::string& error);
+
+  int Socket() const { return m_socket; }
+  bool WantsToSend() const { return !m_to_send.empty(); }
+
+  // Queues a frame and sends what can be sent without waiting; SendQueued continues when the
+  // socket can take more.
+  void Send(const std::string& frame);
+  void SendQueued();
+
+  // The frames that have come, without waiting. A socket that ends, or brings what is no frame, is
+  // closed.
+  std::vector<Frame> Receive();
+  // Waits for the next frame; nothing when the worker closed its socket.
+  std::optional<Frame> WaitForFrame();
+
+  // To the worker and what its plug-in has started.
+  void Signal(int signal) const;
+
+  // The worker's end, once: its process group is then ended as well. Nothing while it runs.
+  std::optional<ProcessEnd> TakeEnd();
+
+ private:
+  void CloseSocket();
+
+  pid_t m_pid = -1;
+  int m_socket = -1;
+  std::string m_to_send;
+  std::string m_received;
+};
+
+}  // namespace line
+
+#endif  // ZVISP_LINE_SUPERVISE_WORKER_PROCESS_H_

@@ -1,0 +1,234 @@
+// SPDX-License-Identifier: MIT
+#include "line/worker/worker.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "app/execute_process.h"
+#include "base/string_util.h"
+#include "base/transform.h"
+#include "cmdline/isp_args_parse.h"
+#include "line/journal/interface_lock.h"
+#include "line/worker/guarded_setting.h"
+#include "line/worker/last_words.h"
+#include "line/worker/messages.h"
+#include "line/worker/parent_link.h"
+#include "plugin/comm_plugin.h"
+#include "plugin/fresh_setting.h"
+
+namespace line {
+
+namespace {
+
+using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
+using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
+using Clock = std::chrono::steady_clock;
+
+constexpr int kLockPollMs = 50;
+
+// What the callbacks of the plug-in, which have no argument for it, have to reach.
+ParentLink* g_parent = nullptr;
+GoMessage g_go;
+CallTrace g_trace;
+
+[[noreturn]] void End() {
+  std::fflush(nullptr);
+  // No destructors and no handlers at exit: those of a plug-in might hang or crash, and the result
+  // is known.
+  _exit(0);
+}
+
+[[noreturn]] void EndAlone(const Verdict& verdict, std::optional<std::uint32_t> code) {
+  RecordLastWords(g_go, verdict, code);
+  End();
+}
+
+// After a plug-in's fork that returned, there are two of us.
+void EndSecondProcess() {
+  if (!g_parent->IsParentsChild()) _exit(0);
+}
+
+template <typename Message>
+std::optional<Message> Receive() {
+  const std::optional<Frame> frame = g_parent->Receive();
+  return frame ? Decode<Message>(*frame) : std::nullopt;
+}
+
+void BeforeCall(const char* name) {
+  EndSecondProcess();
+  const bool asked = g_parent->Send(Encode(CallMessage{name}));
+  const auto answer = asked ? Receive<MayCallMessage>() : std::nullopt;
+  if (!answer) {
+    // The plug-in has not been called, whatever the parent has recorded meanwhile.
+    EndAlone(JudgeMissingResult(g_trace, Outcome::kInterrupted, kParentGone), {});
+  }
+  if (!answer->may) End();
+  g_trace.Begin(name);
+}
+
+void OnProgress(int percent) {
+  if (g_parent->IsParentsChild()) g_parent->SendOrDrop(Encode(ProgressMessage{percent}));
+}
+
+void OnMessage(wchar_t* text) {
+  if (text == nullptr || !g_parent->IsParentsChild()) return;
+  TextMessage message;
+  // A quarter of the bytes, because a character may take four of them.
+  const std::wstring_view whole(text);
+  const std::wstring_view kept = whole.substr(0, kLongestText / 4);
+  message.text = CCpTransform().ConvertUnicodeStringToUTF8(std::wstring(kept));
+  message.truncated = kept.size() < whole.size();
+  g_parent->SendOrDrop(Encode(message));
+}
+
+JudgedWords Judge(int argc, char** argv) {
+  JudgedWords words;
+  CCpIspArgsParse parser;
+  words.accepted = parser.ParseArgs(argc, argv, words.args) != 0;
+  words.slots = parser.GetSlots();
+  words.setting = MakeFreshCopy(parser.GetISPCmdSetting());
+  words.sign_args = MakeZeroed<SignArgs>();
+  if (words.setting == nullptr || words.sign_args == nullptr) _exit(1);
+  CopyBytes(*words.sign_args, parser.GetDigitalSignArgs());
+  std::fflush(stdout);
+  return words;
+}
+
+// False when the parent got the reason why not, or is gone.
+bool TakeLock(InterfaceLock& lock, const LockMessage& wish) {
+  const auto deadline = Clock::now() + std::chrono::milliseconds(wish.wait_ms);
+  std::string reason;
+  for (;;) {
+    const auto answer = lock.Take({wish.comm, wish.alone}, wish.holder, reason);
+    if (answer == InterfaceLock::Answer::kTaken) return true;
+    const bool in_use = answer == InterfaceLock::Answer::kInUse;
+    if (!in_use || Clock::now() >= deadline) {
+      g_parent->Send(Encode(BusyMessage{in_use, reason}));
+      return false;
+    }
+    if (g_parent->IsGoneWithin(kLockPollMs)) return false;
+  }
+}
+
+std::uint32_t Execute(Setting* setting, SignArgs* sign_args) {
+  CCpZvString directory;
+  directory = g_go.plugin_directory;
+  g_pstISPSetting = setting;
+  g_pstDigitalSignArgs = sign_args;
+  return ExecuteProcessFrom(directory, setting, sign_args, CCpZvString(L"PlugIn/libIsp.dylib"),
+                            CCpZvString(L"libSignVerify.dylib"), nullptr);
+}
+
+Wanted WantedOf(const GoMessage& go) {
+  Wanted wanted;
+  wanted.nothing_written = go.nothing_written;
+  if (go.has_expected) wanted.scaler_type = go.expected;
+  return wanted;
+}
+
+// What is to be recorded when the parent is lost from now on.
+struct Ending {
+  Verdict verdict;
+  std::optional<std::uint32_t> code;
+};
+
+// Sends the result of the action, or records it where nobody listens any more.
+Ending Program(Setting* setting, SignArgs* sign_args) {
+  const std::uint32_t code = Execute(setting, sign_args);
+  EndSecondProcess();
+  std::fflush(nullptr);
+  Ending ending = {JudgeResult(g_trace, code, WantedOf(g_go)), code};
+  if (ending.verdict.outcome == Outcome::kPassed && g_go.reads_back) {
+    ending.verdict.outcome = Outcome::kInterrupted;
+    ending.verdict.meaning = std::string("not read back: ") + kParentGone;
+  }
+  if (!g_parent->Send(Encode(ResultMessage{code}))) EndAlone(ending.verdict, ending.code);
+  return ending;
+}
+
+// Reads a range of the flash with the run's own interface, slave and channel.
+void Dump(const Setting& of_run, const DumpMessage& dump) {
+  const auto setting = MakeFreshSetting();
+  if (setting == nullptr) _exit(1);
+  setting->enumActionType = CP_ISPTOOL_ACTION_DUMP_FLASH;
+  setting->enumCommID = of_run.enumCommID;
+  setting->bAutoSlaveAddr = of_run.bAutoSlaveAddr;
+  setting->ucSlaveAddr = of_run.ucSlaveAddr;
+  setting->bIspChannel = of_run.bIspChannel;
+  setting->enumIspMode = ISP_MODE_NORMAL;
+  setting->stDumpFlash.ulDumpAddr = dump.address;
+  setting->stDumpFlash.ulDumpLen = dump.length;
+  const std::wstring file = CCpTransform().ConvertUTF8StringToUnicode(dump.file);
+  CopyWideToBuffer(file, kPathCapacity - 1, setting->stDumpFlash.wszDumpFile, kPathCapacity);
+  CopyWideToBuffer(of_run.wszSettingFilePath, kPathCapacity - 1, setting->wszSettingFilePath,
+                   kPathCapacity);
+  SignArgs no_signature;
+  const std::uint32_t code = Execute(setting.get(), &no_signature);
+  EndSecondProcess();
+  std::fflush(nullptr);
+  g_parent->Send(Encode(ResultMessage{code}));
+}
+
+// What the parent asks for after the result, until it says Bye.
+void ServeReadBack(const Setting& of_run, const Ending& ending) {
+  for (;;) {
+    const std::optional<Frame> frame = g_parent->Receive();
+    if (!frame) EndAlone(ending.verdict, ending.code);
+    if (frame->type == MessageType::kBye) return;
+    const auto dump = Decode<DumpMessage>(*frame);
+    if (!dump) return;
+    Dump(of_run, *dump);
+  }
+}
+
+// Not to be left by an exception of a plug-in: that is a crash, as it is in zvisp.
+void Work() noexcept {
+  Setting* const setting = MakeGuardedSetting();
+  SignArgs sign_args;
+  if (setting == nullptr || !UnpackSetting(g_go.setting, *setting) ||
+      g_go.sign_args.size() != sizeof sign_args) {
+    _exit(1);
+  }
+  std::memcpy(static_cast<void*>(&sign_args), g_go.sign_args.data(), sizeof sign_args);
+  // Known before the plug-in can change the record.
+  g_trace.edp_mode = setting->enumEdpIspMode;
+  const ZeroedPtr<Setting> of_run = MakeFreshCopy(*setting);
+  if (of_run == nullptr) _exit(1);
+  g_funcReturnProg = OnProgress;
+  g_funcShowMsg = OnMessage;
+  g_funcBeforeIspCall = BeforeCall;
+  Ending ending = {JudgeMissingResult(g_trace, Outcome::kInterrupted, kParentGone), {}};
+  if (!g_go.reads_only) ending = Program(setting, &sign_args);
+  ServeReadBack(*of_run, ending);
+}
+
+}  // namespace
+
+int RunWorker(int argc, char** argv) {
+  signal(SIGPIPE, SIG_IGN);
+  ParentLink parent(kWorkerSocket);
+  g_parent = &parent;
+  // As in zvisp, whose process has one.
+  const CZvComm comm;
+  if (!parent.Send(EncodeJudged(Judge(argc, argv)))) End();
+  const auto wish = Receive<LockMessage>();
+  InterfaceLock lock;
+  if (!wish || !TakeLock(lock, *wish)) End();
+  if (!parent.Send(FrameBytes(MessageType::kLocked, ""))) End();
+  auto go = Receive<GoMessage>();
+  if (!go) End();
+  g_go = std::move(*go);
+  Work();
+  End();
+}
+
+}  // namespace line
