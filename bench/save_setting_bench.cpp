@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// SaveSetting by the number of bank entries. Each of its 1 + 3 n keys rewrites the file by design,
-// so the time grows with the square.
+// SaveSetting by the number of bank entries, which is one write of the file with 1 + 3 n keys.
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>

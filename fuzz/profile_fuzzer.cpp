@@ -4,8 +4,8 @@
 //
 // Promises: a value that is read is terminated within its buffer and as long as the reader says;
 // where nothing is read, the buffer holds the default or what it held before; writing the same
-// value twice gives the same file; and in a plain file without that key, what is written is read
-// back, by both families.
+// value twice gives the same file; several keys at once give the file that key by key gives; and in
+// a plain file without that key, what is written is read back, by both families.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -103,6 +103,24 @@ void CheckWide(const Entry& entry, const std::string& content) {
   }
 }
 
+// The same file, at once and key by key. The value is a key, too, so that keys are as odd as
+// values.
+void CheckChanges(const Entry& entry, const std::string& content) {
+  const std::wstring key = Widen(entry.key);
+  const std::wstring value = Widen(entry.value);
+  const std::vector<ProfileChange<std::wstring>> changes = {
+      {key, value}, {value, key}, {L"k", value}, {key, L"v"}};
+  WriteFile(File(), content);
+  WriteProfileChanges(Widen(entry.section).c_str(), changes, Widen(File()).c_str());
+  const std::string at_once = ReadFile(File());
+  WriteFile(File(), content);
+  for (const auto& change : changes) {
+    CpZvWritePrivateProfileStringW(Widen(entry.section).c_str(), change.key.c_str(),
+                                   change.value.c_str(), Widen(File()).c_str());
+  }
+  PROMISE(ReadFile(File()) == at_once);
+}
+
 // The narrow family never returns from a line with a blank, so it is given none.
 void CheckNarrow(Entry entry, std::string content) {
   for (std::string* const text : {&entry.section, &entry.key, &entry.value, &content}) {
@@ -133,6 +151,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   entry.value = lines.Next();
   const std::string content = lines.Rest();
   CheckWide(entry, content);
+  CheckChanges(entry, content);
   CheckNarrow(entry, content);
   return 0;
 }

@@ -10,9 +10,7 @@
 #include <string_view>
 
 #include "base/string_util.h"
-#include "base/transform.h"
 #include "settings/isp_setting.h"
-#include "settings/profile.h"
 
 namespace {
 
@@ -124,8 +122,7 @@ int GetBinNameFromPrefixSetting(const std::string& dir, const std::string& setti
     return 0;
   }
   FillSettingFilePath(setting_file, wszSettingFilePath);
-  const std::string prefix = CCpTransform().ConvertUnicodeStringToUTF8(
-      ReadProfileText(L"ISP_Fw", L"strFwPrefix", wszSettingFilePath, kPathCapacity));
+  const std::string prefix = ReadFwPrefix(wszSettingFilePath);
   if (prefix.empty()) {
     std::printf("Cannot fw prefix setting!\n");
     return 0;

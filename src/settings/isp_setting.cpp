@@ -7,6 +7,9 @@
 #include <cwchar>
 #include <iterator>
 #include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "base/path.h"
 #include "base/string_util.h"
@@ -40,38 +43,37 @@ constexpr SettingRow kSettings[] = {
 };
 // clang-format on
 
-// The section "ISP_Fw" of one settings file, as the writers of the firmware list see it.
+constexpr const wchar_t* kFirmwareSection = L"ISP_Fw";
+
+// The keys of the firmware list, collected so that the settings file is written once.
 class FirmwareList {
  public:
-  explicit FirmwareList(const wchar_t* settings) : m_settings(settings) {}
+  explicit FirmwareList(std::uint32_t count) { Add(L"fwFileCount", Decimal(count)); }
 
-  void WriteCount(std::uint32_t count) const { Write(L"fwFileCount", Decimal(count)); }
-  void WriteTargetBank(std::uint32_t number, std::uint32_t value) const {
-    Write(Key(number, L"TargetBank"), Decimal(value));
+  void AddTargetBank(std::uint32_t number, std::uint32_t value) {
+    Add(Key(number, L"TargetBank"), Decimal(value));
   }
-  void WriteFileBank(std::uint32_t number, std::uint32_t value) const {
-    Write(Key(number, L"FileBank"), Decimal(value));
+  void AddFile(std::uint32_t number, const wchar_t* path) {
+    Add(Key(number, L"FileBank"), Decimal(number));
+    Add(Key(number, L"Path"), path);
   }
-  void WritePath(std::uint32_t number, const wchar_t* path) const {
-    Write(Key(number, L"Path"), path);
+  void WriteTo(const wchar_t* settings) const {
+    WriteProfileChanges(kFirmwareSection, m_changes, settings);
   }
 
  private:
-  static CCpZvString Key(std::uint32_t number, const wchar_t* kind) {
-    CCpZvString key;
-    key.Format(L"%ls%d_%ls", L"fw", static_cast<int>(number), kind);
-    return key;
+  static std::wstring Key(std::uint32_t number, const wchar_t* kind) {
+    return L"fw" + Decimal(number) + L"_" + kind;
   }
-  static CCpZvString Decimal(std::uint32_t value) {
-    CCpZvString text;
-    text.Format(L"%d", static_cast<int>(value));
-    return text;
+  // Kept quirk: numbers are signed, so that the target bank 0xFFFFFFFF is written as -1.
+  static std::wstring Decimal(std::uint32_t value) {
+    return std::to_wstring(static_cast<std::int32_t>(value));
   }
-  void Write(const CCpZvString& key, const CCpZvString& value) const {
-    CpZvWritePrivateProfileStringW(L"ISP_Fw", key.GetString(), value.GetString(), m_settings);
+  void Add(std::wstring key, std::wstring value) {
+    m_changes.push_back({std::move(key), std::move(value)});
   }
 
-  const wchar_t* m_settings;
+  std::vector<ProfileChange<std::wstring>> m_changes;
 };
 
 }  // namespace
@@ -97,6 +99,11 @@ void FillSettingFilePath(const std::string& setting_file,
                    wszSettingFilePath, kPathCapacity);
 }
 
+std::string ReadFwPrefix(const wchar_t* settings) {
+  return CCpTransform().ConvertUnicodeStringToUTF8(
+      ReadProfileText(kFirmwareSection, L"strFwPrefix", settings, kPathCapacity));
+}
+
 bool GetFwBankCount(CCpZvString path, unsigned int& banks) {
   std::uint64_t bytes = 0;
   const char* const name = path.GetStringBufferBaseOnOS();
@@ -113,13 +120,12 @@ bool GetFwBankCount(CCpZvString path, unsigned int& banks) {
 void SaveFwPathFromFile(CCpZvString fw, CCpZvString settings, unsigned int start_bank) {
   unsigned int banks = 0;
   if (!GetFwBankCount(fw, banks)) return;
-  const FirmwareList list(settings.GetString());
-  list.WriteCount(banks);
+  FirmwareList list(banks);
   for (unsigned int i = 0; i < banks; ++i) {
-    list.WriteTargetBank(i, start_bank + i);
-    list.WriteFileBank(i, i);
-    list.WritePath(i, fw.GetString());
+    list.AddTargetBank(i, start_bank + i);
+    list.AddFile(i, fw.GetString());
   }
+  list.WriteTo(settings.GetString());
 }
 
 std::uint32_t STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::LoadSetting() {
@@ -131,14 +137,13 @@ std::uint32_t STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::LoadSetting() {
 }
 
 void STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING::SaveSetting() {
-  const FirmwareList list(wszSettingFilePath);
-  list.WriteCount(stMapFw.ulCount);
-  // The target bank names the key and the index is the value: who wants the target bank of file i
-  // looks for the key whose value is i. Files in the field are written that way.
+  FirmwareList list(stMapFw.ulCount);
+  // Kept quirk: the target bank names the key and the index is the value. Whoever wants the target
+  // bank of file i looks for the key whose value is i. Files in the field are written that way.
   const std::uint32_t entries = std::min<std::uint32_t>(stMapFw.ulCount, kMapFwCapacity);
   for (std::uint32_t i = 0; i < entries; ++i) {
-    list.WriteTargetBank(stMapFw.ulTargetBank[i], i);
-    list.WriteFileBank(i, i);
-    list.WritePath(i, stMapFw.stBank[i].wszPath);
+    list.AddTargetBank(stMapFw.ulTargetBank[i], i);
+    list.AddFile(i, stMapFw.stBank[i].wszPath);
   }
+  list.WriteTo(wszSettingFilePath);
 }

@@ -25,6 +25,10 @@ void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size);
 void FillSettingFilePath(const std::string& setting_file,
                          wchar_t (&wszSettingFilePath)[kPathCapacity]);
 
+// The text of key "strFwPrefix" in section "ISP_Fw" of the settings file: the beginning of the
+// wanted firmware's file name, as UTF-8, cut to 259 wide units. Empty when there is none.
+std::string ReadFwPrefix(const wchar_t* settings);
+
 // Stores the number of 65536-byte banks that the file needs, a partial one counted whole. For a
 // file that cannot be read, or is none, prints "File open fail! %s\n" with the path, leaves the
 // count alone and returns false.
@@ -32,7 +36,7 @@ bool GetFwBankCount(CCpZvString path, unsigned int& banks);
 
 // Writes the firmware list of one file that fills its banks in order from `start_bank` on into the
 // settings file. Writes nothing when the banks cannot be counted (see GetFwBankCount); prints
-// "Open file error " and a line end for each key that cannot be written.
+// "Open file error " and a newline for each key that cannot be written.
 void SaveFwPathFromFile(CCpZvString fw, CCpZvString settings, unsigned int start_bank);
 
 #endif  // ZVISP_SETTINGS_ISP_SETTING_H_

@@ -20,7 +20,13 @@ int CpZvGetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int de
 
 int CpZvWritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
                                    const wchar_t* file_name) {
-  return WriteProfileString<WideFamily>(section, key, value, file_name);
+  return WriteProfileString<WideFamily>(section, {key, value}, file_name);
+}
+
+void WriteProfileChanges(const wchar_t* section,
+                         const std::vector<ProfileChange<std::wstring>>& changes,
+                         const wchar_t* file_name) {
+  WriteProfileStrings<WideFamily>(section, changes, file_name);
 }
 
 std::wstring ReadProfileText(const wchar_t* section, const wchar_t* key, const wchar_t* file_name,
@@ -43,5 +49,5 @@ int CpZvGetPrivateProfileIntA(const char* section, const char* key, int default_
 
 int CpZvWritePrivateProfileStringA(const char* section, const char* key, const char* value,
                                    const char* file_name) {
-  return WriteProfileString<NarrowFamily>(section, key, value, file_name);
+  return WriteProfileString<NarrowFamily>(section, {key, value}, file_name);
 }

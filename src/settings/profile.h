@@ -11,13 +11,14 @@
 //   - A line of 1024 characters or more, or one that the locale cannot read, ends the file: that
 //     line and all that follows do not exist for the reader, and are lost when the file is written.
 //
-// Nothing is locked: of two writers at once one loses its change. Nothing throws but memory
-// exhaustion.
+// Nothing is locked. Of two writers at once, one may read the file after the other has truncated
+// it: the lines that it did not see are lost. Nothing throws but memory exhaustion.
 #ifndef ZVISP_SETTINGS_PROFILE_H_
 #define ZVISP_SETTINGS_PROFILE_H_
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 // Wide units or bytes, terminating zero included, that every output buffer must hold.
 constexpr unsigned int kProfileValueCapacity = 1024;
@@ -50,6 +51,22 @@ int CpZvGetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int de
 // is full shows in neither.
 int CpZvWritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
                                    const wchar_t* file_name);
+
+// A key and the value that it gets.
+template <typename Text>
+struct ProfileChange {
+  Text key;
+  Text value;
+};
+
+// Writes values for several keys of one section, with the same bytes and messages as a call of
+// CpZvWritePrivateProfileStringW for each, but reads and writes the file once. Where the bytes
+// would differ it writes key by key: when a key comes twice, when a value holds a newline, ends in
+// a blank or makes a line too long, when the disk is full, and when the file can be written but not
+// read.
+void WriteProfileChanges(const wchar_t* section,
+                         const std::vector<ProfileChange<std::wstring>>& changes,
+                         const wchar_t* file_name);
 
 // The value cut so that it fits `capacity` wide units with its terminating zero; empty when there
 // is none.

@@ -3,6 +3,7 @@
 
 #include <stdio.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdlib>
 #include <cwchar>
@@ -26,6 +27,16 @@ std::string WideFamily::FileName(const wchar_t* name) {
 
 bool WideFamily::CanBeWritten(const wchar_t* text) {
   return *text == L'\0' || !CCpTransform().ConvertWCHARToANSIString(text).empty();
+}
+
+// The encodings of the C libraries write numbers above Unicode's, which they do not read again.
+bool WideFamily::ReadsBack(const std::wstring& line) {
+  constexpr wchar_t kLastCharacter = 0x10FFFF;
+  std::wstring trimmed = line;
+  TrimLine(trimmed);
+  return trimmed == line && std::none_of(line.begin(), line.end(), [](wchar_t unit) {
+           return unit == L'\n' || unit > kLastCharacter;
+         });
 }
 
 // The bytes are decoded here, because the C libraries' own wide streams differ at a file that ends

@@ -21,6 +21,9 @@ struct WideFamily {
   static std::string FileName(const wchar_t* name);
   static bool CanBeWritten(const wchar_t* text);
 
+  // Whether a line that is written is one line, the same, when it is read again.
+  static bool ReadsBack(const std::wstring& line);
+
   static ProfileInput Get(std::FILE* file, wchar_t& unit);
   static void Put(std::FILE* file, wchar_t unit);
 
@@ -39,6 +42,8 @@ struct NarrowFamily {
 
   static std::string FileName(const char* name) { return name; }
   static bool CanBeWritten(const char* /*text*/) { return true; }
+
+  static bool ReadsBack(const std::string& line) { return line.find('\n') == line.npos; }
 
   static ProfileInput Get(std::FILE* file, char& unit);
   static void Put(std::FILE* file, char unit);

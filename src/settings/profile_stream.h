@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "settings/profile.h"
 #include "settings/profile_family.h"
@@ -14,6 +15,9 @@
 // A line or a part of one, in the units of the family.
 template <typename Family>
 using ProfileText = std::basic_string<typename Family::Char>;
+
+template <typename Family>
+using ProfileLines = std::vector<ProfileText<Family>>;
 
 // Closes itself. Nothing shows that a disk is full. Lines are for files that are open.
 template <typename Family>
@@ -26,6 +30,9 @@ class ProfileStream {
       : m_file(std::fopen(Family::FileName(name).c_str(), mode)) {}
 
   bool IsOpen() const { return m_file != nullptr; }
+
+  // Whether something that was written did not reach the file.
+  bool HasFailed() const { return std::ferror(m_file.get()) != 0; }
 
   // Takes the next line, without its end, as it stands in the file. False at the end of the file,
   // at a line that is too long and at text that cannot be decoded; the file is then of no more use.
@@ -41,7 +48,17 @@ class ProfileStream {
     return input == ProfileInput::kUnit || (input == ProfileInput::kEnd && !line.empty());
   }
 
-  // Each line is flushed: a writer that is interrupted leaves whole lines.
+  // Each line is handed to the system before the next one. A program that crashes leaves the lines
+  // that it wrote; a full disk may cut the last one short.
+  void WriteLines(const ProfileLines<Family>& lines) {
+    for (const ProfileText<Family>& line : lines) {
+      WriteLine(line);
+    }
+  }
+
+ private:
+  static constexpr Char kLineEnd = '\n';
+
   void WriteLine(const ProfileText<Family>& line) {
     for (const Char unit : line) {
       Family::Put(m_file.get(), unit);
@@ -49,9 +66,6 @@ class ProfileStream {
     Family::Put(m_file.get(), kLineEnd);
     std::fflush(m_file.get());
   }
-
- private:
-  static constexpr Char kLineEnd = '\n';
 
   struct Close {
     void operator()(std::FILE* file) const { std::fclose(file); }

@@ -4,102 +4,94 @@
 #ifndef ZVISP_SETTINGS_PROFILE_WRITER_H_
 #define ZVISP_SETTINGS_PROFILE_WRITER_H_
 
+#include <algorithm>
 #include <cstdio>
-#include <string>
+#include <iterator>
 #include <utility>
-#include <vector>
 
-#include "settings/profile_reader.h"
+#include "settings/profile_edit.h"
 
-// Writes a file's lines back with one value set. The lines are held whole, so the file may be
-// truncated once one of these stands.
+// A whole file in memory, so that the file may be truncated afterwards. A file that cannot be
+// opened has no lines.
 template <typename Family>
-class ProfileRewrite {
- public:
-  using Text = ProfileText<Family>;
-  using Stream = ProfileStream<Family>;
-
-  ProfileRewrite(const typename Family::Char* section, const typename Family::Char* key,
-                 const typename Family::Char* value, const typename Family::Char* file_name)
-      : m_header(ProfileHeader<Family>(section)), m_key(key), m_value(value) {
-    Stream file(file_name, "r");
-    if (!file.IsOpen()) return;
-    for (Text line; file.ReadLine(line);) {
-      m_lines.push_back(std::move(line));
+struct ProfileContent {
+  explicit ProfileContent(const typename Family::Char* file_name) {
+    ProfileStream<Family> file(file_name, "r");
+    can_be_read = file.IsOpen();
+    if (!can_be_read) return;
+    for (ProfileText<Family> line; file.ReadLine(line);) {
+      lines.push_back(std::move(line));
     }
   }
 
-  // Writes every line, and the key exactly where settings/profile.h says. Call it once: the lines
-  // are used up.
-  void WriteTo(Stream& file) {
-    bool section_found = false;
-    while (m_next < m_lines.size()) {
-      const Text line = TakeLine();
-      file.WriteLine(line);
-      if (line != m_header) continue;
-      section_found = true;
-      WriteSection(file);
-    }
-    if (!section_found) file.WriteLine(m_header);
-    if (!m_key_written) WriteKey(file);
-  }
-
- private:
-  static constexpr typename Family::Char kEquals = '=';
-
-  // Goes on behind a header: to the key's line, or to the line that ends the section. That line is
-  // not looked at again, so a header that directly follows opens no section here.
-  void WriteSection(Stream& file) {
-    while (m_next < m_lines.size()) {
-      const Text line = TakeLine();
-      const std::size_t first_equals = line.find(kEquals);
-      if (first_equals == line.npos) {
-        if (!m_key_written) WriteKey(file);
-        return file.WriteLine(line);
-      }
-      if (line.substr(0, first_equals) == m_key) {
-        m_key_written = true;
-        return file.WriteLine(line.substr(0, line.rfind(kEquals) + 1) + m_value);
-      }
-      file.WriteLine(line);
-    }
-  }
-
-  // The next line, trimmed: what is written back is what was compared.
-  Text TakeLine() {
-    Text line = std::move(m_lines[m_next++]);
-    Family::TrimLine(line);
-    return line;
-  }
-
-  void WriteKey(Stream& file) {
-    m_key_written = true;
-    file.WriteLine(m_key + kEquals + m_value);
-  }
-
-  Text m_header;
-  Text m_key;
-  Text m_value;
-  std::vector<Text> m_lines;
-  std::size_t m_next = 0;
-  bool m_key_written = false;
+  bool can_be_read = false;
+  ProfileLines<Family> lines;
 };
 
-// CpZvWritePrivateProfileString of either family.
+// Writes the lines with one change. Returns 1, or 0 after a message.
 template <typename Family>
-int WriteProfileString(const typename Family::Char* section, const typename Family::Char* key,
-                       const typename Family::Char* value, const typename Family::Char* file_name) {
-  for (const typename Family::Char* const text : {section, key, value}) {
-    if (!Family::CanBeWritten(text)) return 0;
-  }
-  ProfileRewrite<Family> rewrite(section, key, value, file_name);
+int WriteOneChange(const ProfileText<Family>& section,
+                   const ProfileChange<ProfileText<Family>>& change,
+                   const ProfileLines<Family>& lines, const typename Family::Char* file_name) {
   ProfileStream<Family> file(file_name, "w");
   if (!file.IsOpen()) {
     std::printf("Open file error \n");
     return 0;
   }
-  rewrite.WriteTo(file);
+  const ProfileChanges<Family> changes = {change};
+  file.WriteLines(ProfileEdit<Family>(section, changes).Apply(lines));
   return 1;
+}
+
+template <typename Family>
+bool CanBeWritten(const ProfileText<Family>& section,
+                  const ProfileChange<ProfileText<Family>>& change) {
+  return Family::CanBeWritten(section.c_str()) && Family::CanBeWritten(change.key.c_str()) &&
+         Family::CanBeWritten(change.value.c_str());
+}
+
+// CpZvWritePrivateProfileString of either family.
+template <typename Family>
+int WriteProfileString(const ProfileText<Family>& section,
+                       const ProfileChange<ProfileText<Family>>& change,
+                       const typename Family::Char* file_name) {
+  if (!CanBeWritten<Family>(section, change)) return 0;
+  return WriteOneChange<Family>(section, change, ProfileContent<Family>(file_name).lines,
+                                file_name);
+}
+
+// Writes all changes at once. Returns false when the file does not hold what it would hold after as
+// many writes of one change, each with a reading before it.
+template <typename Family>
+bool WriteAtOnce(const ProfileText<Family>& section, const ProfileChanges<Family>& changes,
+                 const ProfileContent<Family>& before, const typename Family::Char* file_name) {
+  ProfileEdit<Family> edit(section, changes);
+  const ProfileLines<Family> lines = edit.Apply(before.lines);
+  if (!edit.IsLikeOneByOne()) return false;
+  ProfileStream<Family> file(file_name, "w");
+  if (!file.IsOpen()) return false;
+  file.WriteLines(lines);
+  if (file.HasFailed()) return false;
+  // A file that may be written but not read loses its lines at every change.
+  return before.can_be_read || ProfileStream<Family>(file_name, "r").IsOpen();
+}
+
+// WriteProfileChanges of settings/profile.h, for either family.
+template <typename Family>
+void WriteProfileStrings(const ProfileText<Family>& section,
+                         const ProfileChanges<Family>& all_changes,
+                         const typename Family::Char* file_name) {
+  ProfileChanges<Family> changes;
+  std::copy_if(all_changes.begin(), all_changes.end(), std::back_inserter(changes),
+               [&](const auto& change) { return CanBeWritten<Family>(section, change); });
+  if (changes.empty()) return;
+  const ProfileContent<Family> before(file_name);
+  if (WriteAtOnce<Family>(section, changes, before, file_name)) return;
+  ProfileLines<Family> lines = before.lines;
+  for (const ProfileChange<ProfileText<Family>>& change : changes) {
+    WriteOneChange<Family>(section, change, lines, file_name);
+    lines = ProfileContent<Family>(file_name).lines;
+  }
 }
 
 #endif  // ZVISP_SETTINGS_PROFILE_WRITER_H_

@@ -105,6 +105,18 @@ TEST(LoadSetting, FindsNothingButThePrefixInTheExampleFile) {
   EXPECT_EQ(file.Read(L"ISP_Fw", L"strFwPrefix"), (ProfileRead{9, L"ACME_M27_"}));
 }
 
+TEST(FwPrefix, IsTheTextOfItsKeyAsUtf8) {
+  const ProfileFile file("[ISP_Fw]\nstrFwPrefix = ACME \xC3\xBC_ \n");
+  EXPECT_EQ(ReadFwPrefix(file.WidePath().c_str()), "ACME \xC3\xBC_");
+}
+
+TEST(FwPrefix, IsEmptyWithoutItsKeyAndCutTo259Units) {
+  EXPECT_EQ(ReadFwPrefix(ProfileFile().WidePath().c_str()), "");
+  EXPECT_EQ(ReadFwPrefix(ProfileFile("[ISP_Fw]\n\nstrFwPrefix=a\n").WidePath().c_str()), "");
+  const ProfileFile file("[ISP_Fw]\nstrFwPrefix=" + std::string(300, 'x') + "\n");
+  EXPECT_EQ(ReadFwPrefix(file.WidePath().c_str()), std::string(259, 'x'));
+}
+
 TEST(SaveSetting, AnEmptyMapWritesTheCountAlone) {
   const ProfileFile file;
   RecordFor(file)->SaveSetting();
