@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "line/event/printer.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <cstdio>
+#include <cstdlib>
 
 #include "line/event/event_json.h"
+#include "line/event/event_text.h"
+#include "line/event/line_printers.h"
 
 namespace line {
 
@@ -11,29 +17,52 @@ namespace {
 
 class JsonPrinter : public Printer {
  public:
-  void Take(const Event& event) override {
-    const std::string line = ToJsonLine(event);
-    std::fwrite(line.data(), 1, line.size(), stdout);
-    std::fflush(stdout);
-  }
+  void Take(const Event& event) override { WriteText(stdout, ToJsonLine(event)); }
 };
 
 // Errors only.
 class QuietPrinter : public Printer {
  public:
   void Take(const Event& event) override {
-    const ErrorEvent* const error = std::get_if<ErrorEvent>(&event.body);
-    if (error == nullptr) return;
-    std::fprintf(stderr, "zvisp-line: %s\n", error->text.c_str());
-    std::fflush(stderr);
+    if (!std::holds_alternative<ErrorEvent>(event.body)) return;
+    for (const TextLine& line : LinesOf(event))
+      WriteText(stderr, line.text + "\n");
   }
 };
 
+bool IsTerminal(int descriptor) {
+  const char* const kind = std::getenv("TERM");
+  return isatty(descriptor) == 1 && (kind == nullptr || std::string(kind) != "dumb");
+}
+
+bool WantsColour(const PrinterOptions& options, int descriptor) {
+  if (options.color != When::kAuto) return options.color == When::kAlways;
+  const char* const no_color = std::getenv("NO_COLOR");
+  return (no_color == nullptr || *no_color == '\0') && IsTerminal(descriptor);
+}
+
+std::size_t TerminalColumns() {
+  winsize size = {};
+  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
+  return size.ws_col;
+}
+
 }  // namespace
+
+void WriteText(std::FILE* stream, const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stream);
+  std::fflush(stream);
+}
 
 std::unique_ptr<Printer> MakePrinter(const PrinterOptions& options) {
   if (options.json) return std::make_unique<JsonPrinter>();
-  return std::make_unique<QuietPrinter>();
+  if (options.quiet) return std::make_unique<QuietPrinter>();
+  const Colours colours = {WantsColour(options, STDOUT_FILENO),
+                           WantsColour(options, STDERR_FILENO)};
+  if (IsTerminal(STDERR_FILENO) && options.progress != When::kNever) {
+    return MakeTerminalPrinter(colours, TerminalColumns);
+  }
+  return MakePlainPrinter(colours, options.progress);
 }
 
 }  // namespace line

@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+#include "line/event/event_text.h"
+
+#include <cstdio>
+
+#include "line/event/plan_text.h"
+#include "line/event/screen_text.h"
+#include "line/event/time_text.h"
+
+namespace line {
+
+namespace {
+
+using Lines = std::vector<TextLine>;
+
+constexpr const char* kHalfWritten =
+    "it may be half-written: program it again, or see zvisp-line journal doctor";
+
+std::string Hex(std::uint64_t value, int digits) {
+  char text[32];
+  std::snprintf(text, sizeof text, "0x%0*llX", digits, static_cast<unsigned long long>(value));
+  return text;
+}
+
+// "comm-3: ", or nothing.
+std::string Front(const Where& where) {
+  return where.place.empty() ? "" : CleanText(where.place) + ": ";
+}
+
+std::string Named(const Where& where) {
+  return CleanText(where.place) + "  " + CleanText(where.unit);
+}
+
+Lines Say(const Event& event, const MessageEvent& message) {
+  const Tone tone = message.level == Level::kError     ? Tone::kBad
+                    : message.level == Level::kWarning ? Tone::kWarning
+                                                       : Tone::kPlain;
+  Lines lines;
+  for (const std::string& text : CleanLines(message.text)) {
+    lines.push_back({false, tone, Front(event.where) + text});
+  }
+  if (message.truncated) {
+    lines.push_back({false, tone, Front(event.where) + "(the rest of this output was cut)"});
+  }
+  return lines;
+}
+
+std::string CodeText(const ResultEvent& result) {
+  if (!result.code.has_value()) return "";
+  std::string text = ", code " + Hex(*result.code, 1);
+  if (!result.meaning.empty()) text += " (" + CleanText(result.meaning) + ")";
+  return text;
+}
+
+std::string DifferenceText(const Difference& difference) {
+  return ", first difference in bank " + std::to_string(difference.bank) + " at " +
+         Hex(difference.address, 6) + ": expected " + Hex(difference.expected, 2) + ", read " +
+         Hex(difference.actual, 2);
+}
+
+// Names of two words are one with "_" for scripts.
+std::string Words(std::string_view name) {
+  std::string words(name);
+  for (char& character : words)
+    if (character == '_') character = ' ';
+  return words;
+}
+
+Tone ToneOf(Outcome outcome) {
+  return outcome == Outcome::kPassed ? Tone::kGood : Tone::kBad;
+}
+
+Lines Say(const Event& event, const ResultEvent& result) {
+  std::string text = Front(event.where) + CleanText(event.where.step) + " " +
+                     Words(NameOf(result.outcome)) + " after " + DurationText(result.duration_ms) +
+                     ", " + std::string(NameOf(result.state));
+  if (result.outcome != Outcome::kPassed) text += CodeText(result);
+  if (result.value) text += ", value " + CleanText(*result.value);
+  if (result.expected) text += ", expected " + CleanText(*result.expected);
+  if (result.signal) text += ", signal " + std::to_string(*result.signal);
+  if (result.outcome != Outcome::kPassed && result.last_percent) {
+    text += ", last at " + std::to_string(*result.last_percent) + " %";
+  }
+  if (result.compared_bytes)
+    text += ", " + std::to_string(*result.compared_bytes) + " bytes compared";
+  if (result.difference) text += DifferenceText(*result.difference);
+  return {{false, ToneOf(result.outcome), text}};
+}
+
+Lines Say(const Event& event, const UnitResultEvent& result) {
+  const bool has_passed = result.outcome == Outcome::kPassed;
+  std::string text = Named(event.where) + (has_passed ? "  PASS  " : "  FAIL  ") +
+                     std::string(NameOf(result.state));
+  if (result.state == UnitState::kUncertain) text += std::string(": ") + kHalfWritten;
+  if (!result.recorded) text += " (not recorded)";
+  return {{true, ToneOf(result.outcome), text}};
+}
+
+Lines Say(const Event& event, const PlanEvent& plan) {
+  Lines lines;
+  // Within a run the operator has seen the plan, or does not want to.
+  if (event.where.run.empty()) {
+    for (const std::string& text : PlanLines(plan))
+      lines.push_back({true, Tone::kPlain, text});
+  }
+  for (const Warning& warning : plan.warnings) {
+    lines.push_back({false, Tone::kWarning, "zvisp-line: warning: " + CleanText(warning.text)});
+  }
+  return lines;
+}
+
+Lines Say(const Event&, const ErrorEvent& error) {
+  std::string place = CleanText(error.file);
+  if (error.line) place += ":" + std::to_string(*error.line);
+  if (error.column) place += ":" + std::to_string(*error.column);
+  if (!place.empty()) place += ": ";
+  return {{false, Tone::kBad, "zvisp-line: " + place + CleanText(error.text)}};
+}
+
+Lines Say(const Event& event, const FindingEvent& finding) {
+  std::string text = Named(event.where) + "  " + std::string(NameOf(finding.state)) + "  " +
+                     CleanText(event.where.step);
+  if (finding.last_percent) text += " at " + std::to_string(*finding.last_percent) + " %";
+  text += "  " + CleanText(finding.since) + "  run " + CleanText(event.where.run);
+  return {{true, Tone::kBad, text}};
+}
+
+Lines Say(const Event& event, const ResolvedEvent& resolved) {
+  return {{true, Tone::kGood,
+           Named(event.where) + "  resolved: " + CleanText(resolved.note) + "  run " +
+               CleanText(event.where.run)}};
+}
+
+Lines Say(const Event&, const SummaryEvent& summary) {
+  std::string text;
+  for (const auto& [outcome, count] : summary.outcomes) {
+    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + Words(NameOf(outcome));
+  }
+  const char* separator = "; ";
+  for (const auto& [state, count] : summary.states) {
+    text += separator + std::to_string(count) + " " + std::string(NameOf(state));
+    separator = ", ";
+  }
+  return {{true, Tone::kPlain, text}};
+}
+
+// Types that are shown by rows, or not at all.
+template <typename Body>
+Lines Say(const Event&, const Body&) {
+  return {};
+}
+
+}  // namespace
+
+std::vector<TextLine> LinesOf(const Event& event) {
+  return std::visit([&event](const auto& body) { return Say(event, body); }, event.body);
+}
+
+std::string ProgressLine(const Event& event) {
+  const ProgressEvent& progress = std::get<ProgressEvent>(event.body);
+  const std::string doing =
+      event.where.phase ? std::string(NameOf(*event.where.phase)) : CleanText(event.where.step);
+  return Front(event.where) + doing + " " + std::to_string(progress.percent) + " %, " +
+         DurationText(progress.elapsed_ms);
+}
+
+std::string Coloured(const TextLine& line) {
+  constexpr const char* kColours[] = {"", "\x1b[32m", "\x1b[33m", "\x1b[31m"};
+  const std::string colour = kColours[static_cast<int>(line.tone)];
+  return colour.empty() ? line.text : colour + line.text + "\x1b[m";
+}
+
+}  // namespace line

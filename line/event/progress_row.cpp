@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "line/event/progress_row.h"
+
+#include <algorithm>
+
+#include "line/event/screen_text.h"
+#include "line/event/time_text.h"
+
+namespace line {
+
+namespace {
+
+constexpr std::size_t kBarAtMost = 40;
+constexpr std::size_t kBarAtLeast = 6;  // less than this shows nothing
+// A remaining time is shown when there is enough to tell it from.
+constexpr int kKnownFromPercent = 3;
+constexpr std::uint64_t kKnownFromMs = 2000;
+
+}  // namespace
+
+ProgressRow::ProgressRow(const Event& first)
+    : m_run(first.where.run),
+      m_place(CleanText(first.where.place)),
+      m_unit(CleanText(first.where.unit)),
+      m_doing("waits"),
+      m_step_start_ms(first.mono_ms),
+      m_phase_start_ms(first.mono_ms) {}
+
+void ProgressRow::Follow(const Event& event) {
+  if (std::holds_alternative<StartEvent>(event.body)) {
+    m_step_start_ms = event.mono_ms;
+    m_phase_start_ms = event.mono_ms;
+    m_percent.reset();
+    m_doing = CleanText(event.where.step);
+  }
+  if (event.where.phase.has_value() && event.where.phase != m_phase) {
+    m_phase = event.where.phase;
+    m_phase_start_ms = event.mono_ms;
+    m_percent.reset();
+    m_doing = NameOf(*m_phase);
+  }
+  if (const ProgressEvent* const progress = std::get_if<ProgressEvent>(&event.body)) {
+    m_percent = progress->percent;
+    m_percent_ms = event.mono_ms;
+  }
+}
+
+std::string ProgressRow::Bar(std::size_t columns) const {
+  const std::size_t inside = std::min(columns, kBarAtMost) - 2;
+  const std::size_t filled = inside * static_cast<std::size_t>(*m_percent) / 100;
+  return "[" + std::string(filled, '#') + std::string(inside - filled, '-') + "]";
+}
+
+// As long as the phase has taken for each percent until the last report.
+std::string ProgressRow::Remaining(std::uint64_t mono_ms) const {
+  if (!m_percent || *m_percent < kKnownFromPercent || *m_percent >= 100) return "";
+  const std::uint64_t taken = m_percent_ms - m_phase_start_ms;
+  if (taken < kKnownFromMs) return "";
+  const auto percent = static_cast<std::uint64_t>(*m_percent);
+  const std::uint64_t at_the_report = taken * (100 - percent) / percent;
+  const std::uint64_t since = mono_ms - std::min(m_percent_ms, mono_ms);
+  if (since >= at_the_report) return "";
+  return ", " + DurationText(at_the_report - since) + " left";
+}
+
+std::string ProgressRow::Text(std::size_t columns, std::uint64_t mono_ms) const {
+  const std::string elapsed = DurationText(mono_ms - std::min(m_step_start_ms, mono_ms));
+  std::string serial = m_unit.empty() ? "" : " " + m_unit;
+  std::string tail = "  " + elapsed;
+  std::string remaining = Remaining(mono_ms);
+  if (m_percent) {
+    const std::string percent = std::to_string(*m_percent);
+    tail = " " + std::string(3 - percent.size(), ' ') + percent + " %" + tail;
+  }
+  const std::size_t bar_needs = m_percent ? kBarAtLeast + 1 : 0;
+  const auto taken = [&] {
+    return Columns(m_place) + Columns(serial) + 1 + Columns(m_doing) + tail.size() +
+           remaining.size();
+  };
+  if (taken() + bar_needs > columns) remaining.clear();
+  if (taken() + bar_needs > columns) serial.clear();
+  std::string bar;
+  if (m_percent && taken() + bar_needs <= columns) bar = " " + Bar(columns - taken() - 1);
+  return CutToColumns(m_place + serial + " " + m_doing + bar + tail + remaining, columns);
+}
+
+}  // namespace line
