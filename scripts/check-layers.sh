@@ -19,8 +19,9 @@ rules=(
   "src/cmdline:    base plugin settings firmware"
   "src/app:        base plugin settings firmware cmdline"
   # A plug-in is built from the installed headers alone, as a customer's is.
-  "simulator/display: $plugin_headers"
-  "simulator/signer:  $plugin_headers"
+  "simulator/files:"
+  "simulator/display: $plugin_headers files"
+  "simulator/signer:  $plugin_headers files"
   "line/event:        $all_of_src"
   "line/journal:      $all_of_src line/event"
   "line/job:          $all_of_src line/event line/journal"

@@ -20,10 +20,20 @@ target_link_libraries(e2e_signing PRIVATE
   test_support zvisp_warnings GTest::gmock GTest::gtest_main ${CMAKE_DL_LIBS})
 add_dependencies(e2e_signing zvisp ${test_plugins})
 if(TARGET sign_reference)
-  target_sources(e2e_signing PRIVATE e2e/signing/reference_signer_test.cpp)
+  target_sources(e2e_signing PRIVATE
+    e2e/signing/reference_signer_test.cpp e2e/signing/signer_files_test.cpp)
   target_compile_definitions(e2e_signing PRIVATE
     ${signer_files} ZVISP_SIMULATOR="$<TARGET_FILE:isp_simulator>")
   add_dependencies(e2e_signing sign_reference isp_simulator)
+endif()
+if(TARGET sign_reference AND ZVISP_HAS_GLIBC AND NOT ZVISP_SANITIZE)
+  add_library(failing_libcrypto SHARED support/failing_libcrypto.cpp)
+  set_target_properties(failing_libcrypto PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY ${ZVISP_TEST_PLUGIN_DIR})
+  target_link_libraries(failing_libcrypto PRIVATE zvisp_warnings)
+  target_compile_definitions(e2e_signing PRIVATE
+    ZVISP_FAILING_LIBCRYPTO="$<TARGET_FILE:failing_libcrypto>")
+  add_dependencies(e2e_signing failing_libcrypto)
 endif()
 gtest_discover_tests(e2e_signing PROPERTIES LABELS e2e TIMEOUT 120)
 

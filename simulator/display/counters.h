@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <string>
 
-#include "display/file_io.h"
+#include "files/file_io.h"
 #include "display/flash.h"
 
 namespace simulator {

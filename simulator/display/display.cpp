@@ -89,7 +89,7 @@ Outcome Display::ReadKey(std::size_t capacity, std::string& key) const {
 
 Outcome Display::SaveState() const {
   const std::string path = PathOf("state");
-  return ReplaceFile(path, FormatState(m_state)) ? Done() : StorageFailure(path);
+  return ReplaceFile(path, path + ".new", FormatState(m_state)) ? Done() : StorageFailure(path);
 }
 
 std::string Display::PathOf(const char* kind) const {

@@ -10,7 +10,7 @@
 
 #include "display/counters.h"
 #include "display/faults.h"
-#include "display/file_io.h"
+#include "files/file_io.h"
 #include "display/flash.h"
 #include "display/identity.h"
 #include "display/outcome.h"

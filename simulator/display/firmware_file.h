@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string>
 
-#include "display/file_io.h"
+#include "files/file_io.h"
 #include "display/flash.h"
 #include "display/outcome.h"
 

@@ -13,7 +13,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "display/file_io.h"
+#include "files/file_io.h"
 
 namespace simulator {
 

@@ -11,9 +11,11 @@
 
 namespace signer {
 
-// Gives the certificate's own key, once the issuer's signature holds, the present time lies in the
-// certificate's term, its key usage (if it states one) includes digital signatures, and it has no
-// critical extension that is not understood. Prints why otherwise.
+// Gives the certificate's own key, once the issuer's signature holds, the issuer's name is not the
+// certificate's own (unless the issuer certifies itself), the present time lies in the
+// certificate's term, its key usage (if it states one) includes digital signatures, its extended
+// key usage (if it states one) includes code signing, and it has no critical extension that is not
+// understood. Prints why otherwise.
 bool ReadSubCertificate(const std::string& path, const VerifyKey& issuer, VerifyKey& subject);
 
 }  // namespace signer

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include <openssl/crypto.h>
-#include <openssl/err.h>
-
 #include <new>
 
 #include "plugin/zvisp_plugin.h"
+#include "signer/library.h"
 #include "signer/report.h"
 #include "signer/request.h"
 
@@ -15,16 +13,14 @@ using Args = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
 // Runs one request; nothing but its verdict crosses the edge of the library.
 template <typename Request>
 int Answer(const Args* args, Request request) noexcept {
-  // A configuration file of the machine must not decide how keys are judged.
-  OPENSSL_init_crypto(OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
-  bool accepted = false;
+  if (args == nullptr) return 0;
+  const signer::Library library;
+  if (!library.IsReady()) return signer::Refuse("libcrypto cannot be started") ? 1 : 0;
   try {
-    accepted = args != nullptr && request(*args);
+    return request(*args) ? 1 : 0;
   } catch (const std::bad_alloc&) {
-    accepted = signer::Refuse("there is not enough memory");
+    return signer::Refuse("there is not enough memory") ? 1 : 0;
   }
-  ERR_clear_error();
-  return accepted ? 1 : 0;
 }
 
 }  // namespace

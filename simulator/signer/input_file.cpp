@@ -2,8 +2,6 @@
 #include "signer/input_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -13,47 +11,32 @@
 
 namespace signer {
 
-InputFile::~InputFile() {
-  if (m_descriptor >= 0) close(m_descriptor);
-}
-
 bool InputFile::Open(std::size_t limit) {
   if (m_path.empty()) return Refuse("no %s file was given", m_role);
-  // Non-blocking, because opening a pipe would wait for its other end.
-  m_descriptor = open(m_path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  struct stat status = {};
-  if (m_descriptor < 0 || fstat(m_descriptor, &status) != 0) {
-    return Refuse("the %s file cannot be read: %s: %s", m_role, m_path.c_str(),
-                  std::strerror(errno));
-  }
-  if (!S_ISREG(status.st_mode)) {
+  m_file = simulator::OpenFile(m_path, O_RDONLY);
+  if (!m_file.IsOpen() || !simulator::LookAt(m_file, m_look)) return RefuseReading();
+  if (!simulator::IsOrdinaryFile(m_look)) {
     return Refuse("the %s file is not a regular file: %s", m_role, m_path.c_str());
   }
-  const auto size = static_cast<std::uint64_t>(status.st_size);
-  if (size == 0) return Refuse("the %s file is empty: %s", m_role, m_path.c_str());
-  if (size > limit) {
+  if (m_look.st_size == 0) return Refuse("the %s file is empty: %s", m_role, m_path.c_str());
+  if (static_cast<std::uint64_t>(m_look.st_size) > limit) {
     return Refuse("the %s file is larger than %zu bytes: %s", m_role, limit, m_path.c_str());
   }
-  m_size = static_cast<std::size_t>(size);
-  m_mode = status.st_mode & 07777;
   return true;
 }
 
 bool InputFile::ReadInto(unsigned char* bytes) const {
-  std::size_t done = 0;
-  while (done < m_size) {
-    const ssize_t count = read(m_descriptor, bytes + done, m_size - done);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) {
-      return Refuse("the %s file cannot be read: %s: %s", m_role, m_path.c_str(),
-                    std::strerror(errno));
-    }
-    if (count == 0) break;
-    done += static_cast<std::size_t>(count);
+  struct stat after = {};
+  const ssize_t count = simulator::ReadAt(m_file.Get(), bytes, Size(), 0);
+  if (count < 0 || !simulator::LookAt(m_file, after)) return RefuseReading();
+  if (static_cast<std::size_t>(count) == Size() && simulator::IsUnchanged(m_look, after)) {
+    return true;
   }
-  unsigned char beyond = 0;
-  if (done == m_size && read(m_descriptor, &beyond, 1) == 0) return true;
   return Refuse("the %s file changed while it was read: %s", m_role, m_path.c_str());
+}
+
+bool InputFile::RefuseReading() const {
+  return Refuse("the %s file cannot be read: %s: %s", m_role, m_path.c_str(), std::strerror(errno));
 }
 
 bool ReadSmallFile(const char* role, const std::string& path, WipedBytes& content) {

@@ -5,11 +5,12 @@
 #ifndef ZVISP_SIMULATOR_SIGNER_INPUT_FILE_H_
 #define ZVISP_SIMULATOR_SIGNER_INPUT_FILE_H_
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <cstddef>
 #include <string>
 
+#include "files/file_look.h"
 #include "signer/wiped_bytes.h"
 
 namespace signer {
@@ -25,27 +26,26 @@ class InputFile {
  public:
   // `role` names the file in refusals ("sign key") and has to outlive the object.
   InputFile(const char* role, const std::string& path) : m_role(role), m_path(path) {}
-  ~InputFile();
-  InputFile(const InputFile&) = delete;
-  InputFile& operator=(const InputFile&) = delete;
 
   // Opens a regular file of 1 to `limit` bytes; prints why otherwise.
   bool Open(std::size_t limit);
 
   // The size when it was opened.
-  std::size_t Size() const { return m_size; }
+  std::size_t Size() const { return static_cast<std::size_t>(m_look.st_size); }
   // Permission bits.
-  mode_t Mode() const { return m_mode; }
+  mode_t Mode() const { return m_look.st_mode & 07777; }
+  const std::string& Path() const { return m_path; }
 
   // Reads the whole file into Size() bytes; prints why when it cannot, or when it has changed.
   bool ReadInto(unsigned char* bytes) const;
 
  private:
+  bool RefuseReading() const;
+
   const char* m_role;
   std::string m_path;
-  int m_descriptor = -1;
-  std::size_t m_size = 0;
-  mode_t m_mode = 0;
+  simulator::FileHandle m_file;
+  struct stat m_look = {};
 };
 
 // Opens and reads a file of at most kSmallFileLimit bytes.

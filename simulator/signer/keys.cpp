@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "signer/keys.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <string_view>
 
-#include <sys/stat.h>
-
 #include "plugin/digital_sign_args.h"
 #include "signer/input_file.h"
+#include "signer/library.h"
 #include "signer/pem.h"
 #include "signer/report.h"
 
@@ -15,6 +16,8 @@ namespace signer {
 namespace {
 
 using namespace std::string_view_literals;
+
+constexpr char kAlgorithm[] = "ED25519";
 
 // What stands before the 32 bytes in the DER form of a private and of a public Ed25519 key. Taking
 // these alone, instead of parsing, leaves one form for each key.
@@ -36,10 +39,33 @@ const unsigned char* KeyBytesOf(const char* role, const WipedBytes& der, std::st
   return nullptr;
 }
 
-void WarnIfOthersMayRead(const char* role, const std::string& path, mode_t mode) {
-  if ((mode & (S_IRGRP | S_IROTH)) == 0) return;
-  Note("warning: others may read the %s file: %s has mode %04o, a private key should have 0600",
-       role, path.c_str(), static_cast<unsigned>(mode));
+// What a key file should allow to its group and to others, and how a warning names it.
+struct KeyPolicy {
+  const char* kind;
+  mode_t mode;
+};
+constexpr KeyPolicy kPrivateKey = {"private key", 0600};
+// Whoever may write a verify key decides what passes for genuine.
+constexpr KeyPolicy kPublicKey = {"verify key", 0644};
+
+void WarnOfOthers(const char* role, const InputFile& file, const KeyPolicy& policy) {
+  const mode_t excess = file.Mode() & ~policy.mode & (S_IRWXG | S_IRWXO);
+  const bool read = (excess & (S_IRGRP | S_IROTH)) != 0;
+  const bool write = (excess & (S_IWGRP | S_IWOTH)) != 0;
+  if (!read && !write) return;
+  Note("warning: others may %s the %s file: %s has mode %04o, a %s should have %04o",
+       read && write ? "read and write" : (read ? "read" : "write"), role, file.Path().c_str(),
+       static_cast<unsigned>(file.Mode()), policy.kind, static_cast<unsigned>(policy.mode));
+}
+
+// Opens and reads a key file, with a warning when others may do more with it than they should.
+bool ReadKeyFile(const char* role, const std::string& path, const KeyPolicy& policy,
+                 WipedBytes& text) {
+  InputFile file(role, path);
+  if (!file.Open(kSmallFileLimit)) return false;
+  WarnOfOthers(role, file, policy);
+  text = WipedBytes(file.Size());
+  return file.ReadInto(text.Data());
 }
 
 bool DecodeVerifyKey(const char* role, std::string_view text, VerifyKey& key) {
@@ -54,12 +80,10 @@ bool DecodeVerifyKey(const char* role, std::string_view text, VerifyKey& key) {
 }  // namespace
 
 bool ReadSignKey(const char* role, const std::string& path, KeyHandle& key) {
-  InputFile file(role, path);
-  if (!file.Open(kSmallFileLimit)) return false;
-  WarnIfOthersMayRead(role, path, file.Mode());
-  WipedBytes text(file.Size());
+  WipedBytes text;
   WipedBytes der;
-  if (!file.ReadInto(text.Data()) || !DecodePem(role, text.Text(), "PRIVATE KEY", der)) {
+  if (!ReadKeyFile(role, path, kPrivateKey, text) ||
+      !DecodePem(role, text.Text(), "PRIVATE KEY", der)) {
     return false;
   }
   const unsigned char* const seed = KeyBytesOf(role, der, kPrivatePrefix);
@@ -70,7 +94,7 @@ bool ReadSignKey(const char* role, const std::string& path, KeyHandle& key) {
 
 bool ReadVerifyKey(const char* role, const std::string& path, VerifyKey& key) {
   WipedBytes text;
-  return ReadSmallFile(role, path, text) && DecodeVerifyKey(role, text.Text(), key);
+  return ReadKeyFile(role, path, kPublicKey, text) && DecodeVerifyKey(role, text.Text(), key);
 }
 
 bool ReadDeviceKey(const char* bytes, VerifyKey& key) {
@@ -84,16 +108,18 @@ bool ReadDeviceKey(const char* bytes, VerifyKey& key) {
 }
 
 KeyHandle SignKeyFromSeed(const unsigned char* seed) {
-  return KeyHandle(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, seed, kKeyBytes));
+  return KeyHandle(
+      EVP_PKEY_new_raw_private_key_ex(Library::Context(), kAlgorithm, nullptr, seed, kKeyBytes));
 }
 
 KeyHandle HandleOf(const VerifyKey& key) {
-  return KeyHandle(EVP_PKEY_new_raw_public_key(EVP_PKEY_ED25519, nullptr, key.data(), key.size()));
+  return KeyHandle(EVP_PKEY_new_raw_public_key_ex(Library::Context(), kAlgorithm, nullptr,
+                                                  key.data(), key.size()));
 }
 
 bool VerifyKeyOf(const EVP_PKEY* key, VerifyKey& verify_key) {
   std::size_t size = verify_key.size();
-  return EVP_PKEY_is_a(key, "ED25519") == 1 &&
+  return EVP_PKEY_is_a(key, kAlgorithm) == 1 &&
          EVP_PKEY_get_raw_public_key(key, verify_key.data(), &size) == 1 &&
          size == verify_key.size();
 }
@@ -102,7 +128,8 @@ bool Sign(EVP_PKEY* key, const WipedBytes& message, SignatureValue& signature) {
   const ContextHandle context(EVP_MD_CTX_new());
   std::size_t size = signature.size();
   if (context != nullptr &&
-      EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, key) == 1 &&
+      EVP_DigestSignInit_ex(context.get(), nullptr, nullptr, Library::Context(), nullptr, key,
+                            nullptr) == 1 &&
       EVP_DigestSign(context.get(), signature.data(), &size, message.Data(), message.Size()) == 1 &&
       size == signature.size()) {
     return true;
@@ -114,7 +141,8 @@ bool IsGenuine(const VerifyKey& key, const WipedBytes& message, const SignatureV
   const ContextHandle context(EVP_MD_CTX_new());
   const KeyHandle handle = HandleOf(key);
   if (context != nullptr && handle != nullptr &&
-      EVP_DigestVerifyInit(context.get(), nullptr, nullptr, nullptr, handle.get()) == 1 &&
+      EVP_DigestVerifyInit_ex(context.get(), nullptr, nullptr, Library::Context(), nullptr,
+                              handle.get(), nullptr) == 1 &&
       EVP_DigestVerify(context.get(), signature.data(), signature.size(), message.Data(),
                        message.Size()) == 1) {
     return true;

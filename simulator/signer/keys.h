@@ -29,11 +29,11 @@ struct FreeKey {
 // OpenSSL wipes a private key when it frees it.
 using KeyHandle = std::unique_ptr<EVP_PKEY, FreeKey>;
 
-// Reads a "PRIVATE KEY". A file that others than its owner may read gets a warning.
+// Reads a "PRIVATE KEY". A file that others than its owner may read or write gets a warning.
 bool ReadSignKey(const char* role, const std::string& path, KeyHandle& key);
 
 // Reads a "PUBLIC KEY" from a file, or from kDeviceKeyCapacity bytes: the text of such a file with
-// zeros behind it.
+// zeros after it. A file that others than its owner may write gets a warning.
 bool ReadVerifyKey(const char* role, const std::string& path, VerifyKey& key);
 bool ReadDeviceKey(const char* bytes, VerifyKey& key);
 

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include <string>
+#include <vector>
 
 #include "signer/certificate.h"
 #include "signer/keys.h"
@@ -24,6 +25,12 @@ constexpr char kNextVerifyKey[] = "next verify key";
 
 std::string TextOf(const char (&field)[kSignTextCapacity]) {
   return std::string(field, strnlen(field, sizeof field));
+}
+
+// Every file of the request but the signature, also those that its mode does not read.
+std::vector<std::string> FilesOf(const Args& args) {
+  return {TextOf(args.szFwFile), TextOf(args.szVerifyKeyFile), TextOf(args.szSignKeyFile),
+          TextOf(args.szSubCertFile), TextOf(args.szNextVerifyKeyFile)};
 }
 
 bool IsHardware(const Args& args) {
@@ -132,7 +139,7 @@ bool SignFirmware(const Args& args) {
   return ReadMessage(SignedLines(signature), firmware, message) &&
          Sign(key.get(), message, signature.value) &&
          WriteSignatureFile(TextOf(args.szSignatureFile), FormatSignatureFile(signature),
-                            {firmware, TextOf(args.szSignKeyFile), next_verify_key});
+                            FilesOf(args));
 }
 
 bool VerifyFirmware(const Args& args, const char* device_key) {

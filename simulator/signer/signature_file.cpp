@@ -68,6 +68,10 @@ std::string FormatSignatureFile(const Signature& signature) {
          Line(kSignature, ToHex(signature.value.data(), signature.value.size()));
 }
 
+bool IsSignatureText(std::string_view text) {
+  return text.substr(0, kTitle.size()) == kTitle;
+}
+
 bool ReadSignatureFile(const std::string& path, Signature& signature) {
   WipedBytes content;
   if (!ReadSmallFile(kRole, path, content)) return false;

@@ -35,6 +35,10 @@ std::string SignedLines(const Signature& signature);
 // The whole file.
 std::string FormatSignatureFile(const Signature& signature);
 
+// Whether a text is, or once was, a signature file of any version: it begins with the format's
+// name.
+bool IsSignatureText(std::string_view text);
+
 // Reads a file; prints why when it is not one of version 1, to the byte.
 bool ReadSignatureFile(const std::string& path, Signature& signature);
 

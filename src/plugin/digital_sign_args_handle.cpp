@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/digital_sign_args_handle.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <cstring>
 
@@ -36,6 +38,35 @@ bool Refuse(const char* reason) {
   return false;
 }
 
+bool IsDirectory(const std::string& path) {
+  struct stat look = {};
+  return stat(path.c_str(), &look) == 0 && S_ISDIR(look.st_mode);
+}
+
+bool IsSymbolicLink(const std::string& path) {
+  struct stat look = {};
+  return lstat(path.c_str(), &look) == 0 && S_ISLNK(look.st_mode);
+}
+
+// Whether the full path of a file to be written is the file that was named. Resolving follows a
+// link to another file, and of a directory that does not exist it leaves that directory's name,
+// which a signer would then make a file of.
+bool IsOwnName(const std::string& name, const std::string& current_dir) {
+  const std::string path = IsAbsolutePath(name) ? name : current_dir + name;
+  const std::string directory = path.substr(0, path.rfind('/') + 1);
+  if (!directory.empty() && !IsDirectory(directory)) {
+    std::printf("Digital signature: Signature file is in a directory that does not exist! %s\n",
+                path.c_str());
+    return false;
+  }
+  if (IsSymbolicLink(path)) {
+    std::printf("Digital signature: Signature file is a symbolic link, name the file itself! %s\n",
+                path.c_str());
+    return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 bool CCpDigitalSignArgsHandle::JudgeArgument(Args* args) const {
@@ -67,6 +98,7 @@ bool CCpDigitalSignArgsHandle::GetSignatureFile(Action action, const std::string
   const std::string given = TextOf(signature_file);
   switch (action) {
     case CP_DIGITAL_SIGNATURE_ACTION_SIGN:
+      if (!given.empty() && !IsOwnName(given, m_current_dir)) return false;
       CopyUtf8ToBuffer(given.empty() ? GetFileFullPath(firmware, m_current_dir) + ".sig"
                                      : GetFileFullPath(given, m_current_dir),
                        signature_file, kSignTextCapacity);

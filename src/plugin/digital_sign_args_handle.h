@@ -27,7 +27,8 @@ class CCpDigitalSignArgsHandle {
   bool JudgeArgumentFwFileAndSigFile(STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* args) const;
 
   // Stores the full path of the signature file. Signing without a name takes the firmware's full
-  // path with ".sig" appended, and nothing needs to exist; verifying needs an existing file.
+  // path with ".sig" appended; no file needs to exist, but a directory that is named has to, and
+  // the name is refused when it is a symbolic link's. Verifying needs an existing file.
   bool GetSignatureFile(ENUM_CP_DIGITAL_SIGNATURE_ACTION_TYPE action, const std::string& firmware,
                         char* signature_file) const;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/digital_sign_args_handle.h"
 
+#include <unistd.h>
+
 #include <cstring>
 #include <string>
 
@@ -207,6 +209,33 @@ TEST_F(DigitalSignArgsHandle, SigningNeedsNoExistingSignatureFile) {
   Args args = Record({.sign_file = "new.sig", .sign_key = "s.key"});
   EXPECT_TRUE(Judge(args));
   EXPECT_EQ(args.szSignatureFile, Full("new.sig"));
+}
+
+TEST_F(DigitalSignArgsHandle, SigningRefusesANameInADirectoryThatDoesNotExist) {
+  for (const char* name : {"none/new.sig", "none/", "fw.bin/new.sig"}) {
+    Args args = Record({.sign_file = name, .sign_key = "s.key"});
+    EXPECT_FALSE(Judge(args));
+    EXPECT_EQ(Printed(),
+              "Digital signature: Signature file is in a directory that does not exist! @" +
+                  std::string(name) + "\n");
+  }
+  GivenDirectory(m_directory / "there");
+  Args args = Record({.sign_file = "there/new.sig", .sign_key = "s.key"});
+  EXPECT_TRUE(Judge(args));
+  EXPECT_EQ(args.szSignatureFile, Full("there/new.sig"));
+}
+
+TEST_F(DigitalSignArgsHandle, SigningRefusesASymbolicLink) {
+  ASSERT_EQ(symlink("fw.sig", (m_directory / "link.sig").c_str()), 0);
+  ASSERT_EQ(symlink("nothing", (m_directory / "open.sig").c_str()), 0);
+  for (const std::string& name :
+       {std::string("link.sig"), std::string("open.sig"), Full("link.sig")}) {
+    Args args = Record({.sign_file = name.c_str(), .sign_key = "s.key"});
+    EXPECT_FALSE(Judge(args));
+    EXPECT_EQ(Printed(),
+              "Digital signature: Signature file is a symbolic link, name the file itself! @" +
+                  name.substr(name.find_last_of('/') + 1) + "\n");
+  }
 }
 
 TEST_F(DigitalSignArgsHandle, LooksForAHardwareSignKeyWithANameOfOneCharacter) {

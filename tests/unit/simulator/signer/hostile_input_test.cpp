@@ -4,7 +4,13 @@
 // other files.
 #include "signer_fixture.h"
 
+#include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
+
+#include <filesystem>
+
+#include "support/unprivileged.h"
 
 namespace {
 
@@ -114,9 +120,11 @@ TEST_F(HostileInput, ReadsNoFurtherThanTheEndOfAField) {
 TEST_F(HostileInput, NeverOverwritesWhatTheSignatureIsMadeFrom) {
   const std::string firmware = m_directory / "fw.bin";
   ASSERT_EQ(link(firmware.c_str(), (m_directory / "fw.hard").c_str()), 0);
-  ASSERT_EQ(symlink("fw.bin", (m_directory / "fw.soft").c_str()), 0);
-  for (const char* name : {"fw.bin", "fw.hard", "fw.soft", "sign.key"}) {
+  for (const char* name : {"fw.bin", "fw.hard", "sign.key", "sign.pub", "line.crt", "other.pub"}) {
     Args args = SignRequest();
+    Put(args.szVerifyKeyFile, Key("sign.pub"));
+    Put(args.szSubCertFile, Key("line.crt"));
+    Put(args.szNextVerifyKeyFile, Key("other.pub"));
     Put(args.szSignatureFile, m_directory / name);
     EXPECT_FALSE(Sign(args));
     EXPECT_EQ(Printed(),
@@ -126,6 +134,76 @@ TEST_F(HostileInput, NeverOverwritesWhatTheSignatureIsMadeFrom) {
   EXPECT_EQ(ReadWholeFile(firmware), "firmware");
 }
 
+TEST_F(HostileInput, NeverWritesThroughASymbolicLink) {
+  const std::string old = ReadWholeFile(m_directory / "fw.sig");
+  ASSERT_EQ(symlink("fw.sig", (m_directory / "to-a-signature").c_str()), 0);
+  ASSERT_EQ(symlink("nowhere", (m_directory / "to-nothing").c_str()), 0);
+  GivenFile(m_directory / "fw.bin", "other firmware");
+  for (const char* name : {"to-a-signature", "to-nothing"}) {
+    Args args = SignRequest();
+    Put(args.szSignatureFile, m_directory / name);
+    EXPECT_FALSE(Sign(args));
+    EXPECT_EQ(Printed(),
+              "Reference signer: the signature file is a symbolic link, name the file itself: @/" +
+                  std::string(name) + "\n");
+  }
+  EXPECT_EQ(ReadWholeFile(m_directory / "fw.sig"), old);
+  EXPECT_FALSE(FileExists(m_directory / "nowhere"));
+}
+
+TEST_F(HostileInput, NeverOverwritesAFileThatIsNoSignature) {
+  const std::string title = "Zorvane firmware signature ";
+  for (const std::string& content : {std::string("diary"), title.substr(0, 26), "\n" + title + "1",
+                                     title + std::string(65536, 'x')}) {
+    GivenFile(m_directory / "fw.sig", content);
+    EXPECT_FALSE(Sign(SignRequest())) << content.substr(0, 40);
+    EXPECT_EQ(Printed(),
+              "Reference signer: the signature would overwrite a file that is not a signature: "
+              "@/fw.sig\n");
+    EXPECT_EQ(ReadWholeFile(m_directory / "fw.sig"), content);
+  }
+}
+
+TEST_F(HostileInput, AFailureWhileItIsWrittenLeavesTheOldSignatureAndNothingElse) {
+  const std::string old = ReadWholeFile(m_directory / "fw.sig");
+  GivenFile(m_directory / "fw.bin", "other firmware");
+  const auto files = [&] {
+    const std::filesystem::directory_iterator all(m_directory.Path());
+    return std::distance(begin(all), end(all));
+  };
+  const auto before = files();
+  const Args args = SignRequest();
+  EXPECT_EQ(InChild([&] {
+              signal(SIGXFSZ, SIG_IGN);
+              const rlimit limit = {100, 100};
+              setrlimit(RLIMIT_FSIZE, &limit);
+              return m_sign(&args);
+            }),
+            0);
+  EXPECT_EQ(ReadWholeFile(m_directory / "fw.sig"), old);
+  EXPECT_EQ(files(), before);
+}
+
+TEST_F(HostileInput, AProtectedSignatureIsNotReplaced) {
+  const std::string old = ReadWholeFile(m_directory / "fw.sig");
+  GivenFile(m_directory / "fw.bin", "other firmware");
+  Args args = SignRequest();
+  chmod(args.szSignKeyFile, 0444);
+  SetMode(m_directory / "fw.sig", 0444);
+  SetMode(m_directory.Path(), 0777);
+  EXPECT_EQ(AsOrdinaryUser([&] { return m_sign(&args); }), 0);
+  EXPECT_EQ(ReadWholeFile(m_directory / "fw.sig"), old);
+}
+
+TEST_F(HostileInput, TheNameOfTheNewFileIsNotALinkToAnother) {
+  GivenFile(m_directory / "victim", "victim");
+  const std::string fresh = ".signature-" + std::to_string(getpid()) + ".new";
+  ASSERT_EQ(symlink("victim", (m_directory / fresh).c_str()), 0);
+  EXPECT_TRUE(Sign(SignRequest()));
+  EXPECT_EQ(ReadWholeFile(m_directory / "victim"), "victim");
+  EXPECT_FALSE(FileExists(m_directory / fresh));
+}
+
 TEST_F(HostileInput, WritesNoSignatureIntoWhatIsNoRegularFile) {
   ASSERT_EQ(mkfifo((m_directory / "pipe").c_str(), 0600), 0);
   GivenDirectory(m_directory / "dir");
@@ -133,8 +211,7 @@ TEST_F(HostileInput, WritesNoSignatureIntoWhatIsNoRegularFile) {
     std::string path, reason;
   } kCases[] = {
       {"/dev/null", "the signature file is not a regular file: /dev/null"},
-      {m_directory / "pipe",
-       "the signature file cannot be written: @/pipe: No such device or address"},
+      {m_directory / "pipe", "the signature file is not a regular file: @/pipe"},
       {m_directory / "dir", "the signature file cannot be written: @/dir: Is a directory"},
       {m_directory / "none/fw.sig",
        "the signature file cannot be written: @/none/fw.sig: No such file or directory"},

@@ -88,10 +88,53 @@ TEST_F(Signing, ForHardwareWithoutASignKeyTakesATrainingKeyPair) {
                         "143217e19dd8485621a329bc15e5d9f9dbb2370b4d9c422abe268fc0d0ec35f70f\n"));
 }
 
-TEST_F(Signing, ReplacesAnOlderAndLongerSignatureFile) {
-  GivenFile(m_directory / "fw.sig", std::string(5000, 'x'));
-  EXPECT_TRUE(Sign(SignRequest()));
-  EXPECT_EQ(SignatureFile().size(), std::string(kSoftwareLines).size() + 128 + 1);
+TEST_F(Signing, ReplacesAnEmptyFileAndAnOlderSignatureAndKeepsItsPermissions) {
+  for (const std::string& old :
+       {std::string(), "Zorvane firmware signature 0\n" + std::string(5000, 'x')}) {
+    GivenFile(m_directory / "fw.sig", old);
+    chmod((m_directory / "fw.sig").c_str(), 0640);
+    EXPECT_TRUE(Sign(SignRequest()));
+    EXPECT_EQ(SignatureFile().size(), std::string(kSoftwareLines).size() + 128 + 1);
+    struct stat look = {};
+    ASSERT_EQ(stat((m_directory / "fw.sig").c_str(), &look), 0);
+    EXPECT_EQ(look.st_mode & 0777u, 0640u);
+  }
+}
+
+TEST_F(Signing, TakesASignatureNameOfTheGreatestLength) {
+  Args args = SignRequest();
+  const std::string name = m_directory / "";
+  Put(args.szSignatureFile, name + std::string(std::min<std::size_t>(259 - name.size(), 255), 's'));
+  EXPECT_TRUE(Sign(args)) << Printed();
+}
+
+TEST_F(Signing, WarnsOfAKeyFileThatOthersMayWrite) {
+  const struct {
+    mode_t sign_key, next_key;
+    const char* warning;
+  } kCases[] = {
+      {0620, 0600,
+       "write the sign key file: @/sign.key has mode 0620, a private key should have "
+       "0600\n"},
+      {0606, 0644,
+       "read and write the sign key file: @/sign.key has mode 0606, a private key "
+       "should have 0600\n"},
+      {0600, 0664,
+       "write the next verify key file: @/other.pub has mode 0664, a verify key should "
+       "have 0644\n"},
+      {0600, 0646,
+       "write the next verify key file: @/other.pub has mode 0646, a verify key should "
+       "have 0644\n"},
+  };
+  Args args = Request(1, 4);
+  Put(args.szSignKeyFile, Key("sign.key"));
+  Put(args.szNextVerifyKeyFile, Key("other.pub"));
+  for (const auto& [sign_key, next_key, warning] : kCases) {
+    chmod(args.szSignKeyFile, sign_key);
+    chmod(args.szNextVerifyKeyFile, next_key);
+    EXPECT_TRUE(Sign(args));
+    EXPECT_EQ(Printed(), std::string("Reference signer: warning: others may ") + warning);
+  }
 }
 
 TEST_F(Signing, WarnsOfAPrivateKeyThatOthersMayRead) {

@@ -21,9 +21,9 @@ class Verifying : public Signer {
     Put(args.szNextVerifyKeyFile, Key("other.pub"));
     ASSERT_TRUE(Sign(args)) << Printed();
   }
-  Args CertifiedRequest(const std::string& certificate) const {
+  Args CertifiedRequest(const std::string& certificate, const char* issuer = "root.pub") const {
     Args args = Request(1, 1);
-    Put(args.szVerifyKeyFile, Key("root.pub"));
+    Put(args.szVerifyKeyFile, Key(issuer));
     Put(args.szSubCertFile, Key(certificate));
     return args;
   }
@@ -99,6 +99,34 @@ TEST_F(Verifying, RefusesSubCertificatesThatProveNothing) {
   };
   for (const auto& [file, reason] : kCases)
     ExpectRefusal(CertifiedRequest(file), reason);
+}
+
+TEST_F(Verifying, AnExtendedKeyUsageHasToNameCodeSigning) {
+  GivenSignatureOf("line");
+  for (const char* certificate : {"code.crt", "code-and-tls.crt"}) {
+    EXPECT_TRUE(Verify(CertifiedRequest(certificate, "house.pub"))) << Printed();
+  }
+  for (const char* certificate : {"tls.crt", "any.crt"}) {
+    ExpectRefusal(CertifiedRequest(certificate, "house.pub"),
+                  "the sub-certificate may not be used for code signing: its extended key usage "
+                  "names other purposes");
+  }
+}
+
+TEST_F(Verifying, RefusesASubCertificateThatNamesItselfAsItsIssuer) {
+  GivenSignatureOf("line");
+  ExpectRefusal(CertifiedRequest("own-name.crt", "house.pub"),
+                "the sub-certificate names itself as its issuer, but the verify key has signed it");
+}
+
+TEST_F(Verifying, WarnsOfAVerifyKeyThatOthersMayWrite) {
+  GivenSignatureOf("sign");
+  const Args args = VerifyRequest();
+  chmod(args.szVerifyKeyFile, 0666);
+  EXPECT_TRUE(Verify(args));
+  EXPECT_EQ(Printed(),
+            "Reference signer: warning: others may write the verify key file: @/sign.pub has mode "
+            "0666, a verify key should have 0644\n");
 }
 
 TEST_F(Verifying, RefusesACertificateBlockThatHoldsNoCertificate) {

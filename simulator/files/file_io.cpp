@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "display/file_io.h"
+#include "files/file_io.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -19,14 +19,25 @@ bool IsDirectory(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+// Gives a new file the permissions of the one that it is to replace, if there is one.
+bool KeepPermissions(const std::string& path, int descriptor) {
+  struct stat old = {};
+  return stat(path.c_str(), &old) != 0 || fchmod(descriptor, old.st_mode & 0777) == 0;
+}
+
 }  // namespace
 
-FileHandle::~FileHandle() {
-  if (IsOpen()) close(m_descriptor);
+bool FileHandle::Close() {
+  const int closing = std::exchange(m_descriptor, -1);
+  return closing >= 0 && close(closing) == 0;
 }
 
 FileHandle OpenFile(const std::string& path, int flags) {
-  return FileHandle(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, kFileMode));
+  return FileHandle(open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, kFileMode));
+}
+
+FileHandle OpenWithoutLink(const std::string& path, int flags) {
+  return OpenFile(path, flags | O_NOFOLLOW);
 }
 
 ssize_t ReadAt(int descriptor, void* buffer, std::size_t length, off_t offset) {
@@ -71,11 +82,19 @@ ReadResult ReadSmallFile(const std::string& path, std::size_t limit, std::string
   return ReadResult::kRead;
 }
 
-bool ReplaceFile(const std::string& path, std::string_view content) {
-  const std::string fresh = path + ".new";
-  const FileHandle file = OpenFile(fresh, O_WRONLY | O_CREAT | O_TRUNC);
-  return file.IsOpen() && WriteText(file.Get(), content) &&
-         std::rename(fresh.c_str(), path.c_str()) == 0;
+bool ReplaceFile(const std::string& path, const std::string& fresh, std::string_view content) {
+  // What a killed run left.
+  if (unlink(fresh.c_str()) != 0 && errno != ENOENT) return false;
+  FileHandle file = OpenWithoutLink(fresh, O_WRONLY | O_CREAT | O_EXCL);
+  if (!file.IsOpen()) return false;
+  if (KeepPermissions(path, file.Get()) && WriteText(file.Get(), content) && file.Close() &&
+      std::rename(fresh.c_str(), path.c_str()) == 0) {
+    return true;
+  }
+  const int reason = errno;
+  unlink(fresh.c_str());
+  errno = reason;
+  return false;
 }
 
 bool MakeDirectories(const std::string& path) {
