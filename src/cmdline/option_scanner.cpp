@@ -109,9 +109,11 @@ void CpZvCmdLindParse::PrepareStep() {
   if (m_command_index == 0 || m_initialised == 0) {
     m_short_cmds = ParseCmdLineInital();
   } else if (*m_short_cmds == '-' || *m_short_cmds == '+') {
+    // Kept quirk: the sign asks for nothing, and the first step still reads it as a letter.
     ++m_short_cmds;
   }
   if (*m_short_cmds == ':') {
+    // Only Reset turns diagnostics on again, other letters do not.
     m_error_print = 0;
   }
 }
@@ -145,6 +147,7 @@ void CpZvCmdLindParse::ClampPositions(int argc) {
   m_first_non_option = std::min(m_first_non_option, m_command_index);
 }
 
+// Options after a run of non-options move in front of it; without a run, a new one begins here.
 void CpZvCmdLindParse::MoveOptionsBeforeRun(char* const* argv) {
   if (m_last_non_option == m_command_index) return;
   if (m_first_non_option != m_last_non_option) {
@@ -161,6 +164,7 @@ void CpZvCmdLindParse::EndAtDoubleDash(int argc, char* const* argv) {
   m_command_index = argc;
 }
 
+// The run of non-options is the last part of the vector now, and the caller reads it from there.
 int CpZvCmdLindParse::EndOfOptions() {
   if (m_first_non_option != m_last_non_option) {
     m_command_index = m_first_non_option;
@@ -197,6 +201,7 @@ int CpZvCmdLindParse::ScanWord(int argc, char* const* argv, int* long_index, int
     ++m_command_index;
     return kScanNonOption;
   }
+  // Without long options, "--x" is the letters "-" and "x".
   if (!m_long_cmds.empty() && word[1] == '-') {
     m_next_char = word + 2;
     return ParseLongCmd(argc, argv, long_index, long_only, "--");
@@ -217,6 +222,7 @@ int CpZvCmdLindParse::ScanShortCmd(int argc, char* const* argv) {
   if (*m_next_char == '\0') {
     ++m_command_index;
   }
+  // ":" is a mark in the string of letters. Kept quirk: ";" is refused like it.
   if (found == nullptr || letter == ':' || letter == ';') {
     return RejectShortCmd(argv, AsCode(letter));
   }
@@ -254,6 +260,7 @@ int CpZvCmdLindParse::ParseLongCmd(int argc, char* const* argv, int* long_index,
   if (m_next_char == nullptr || m_command_index >= argc) return kScanEnd;
   const LongName name = {ProgramName(argv), prefix, m_next_char, std::strcspn(m_next_char, "=")};
   int index = FindExactLongCmd(name);
+  // An exact name wins over longer names that begin with it: "--fw" is not "--fw1".
   if (index == kNotFound) {
     index = FindAbbreviatedLongCmd(name, long_only);
   }
@@ -288,6 +295,7 @@ int CpZvCmdLindParse::FindAbbreviatedLongCmd(const LongName& name, int long_only
   return ambiguous ? kAmbiguous : chosen;
 }
 
+// The caller gets the same answer from both, so the abbreviation is not ambiguous.
 bool CpZvCmdLindParse::IsInterchangeable(int index, int other) const {
   const auto& one = m_long_cmds[static_cast<std::size_t>(index)];
   const auto& two = m_long_cmds[static_cast<std::size_t>(other)];
@@ -311,7 +319,7 @@ void CpZvCmdLindParse::PrintAmbiguous(const LongName& name, int chosen, int cand
 int CpZvCmdLindParse::RejectAmbiguousLongCmd() {
   m_next_char += std::strlen(m_next_char);
   ++m_command_index;
-  m_unknown_char = 0;
+  m_unknown_char = 0;  // no option, so no value and no character
   return kScanError;
 }
 
@@ -369,6 +377,7 @@ const char* CpZvCmdLindParse::FindShortLetter(char letter) const {
   return letter != '\0' ? std::strchr(m_short_cmds, letter) : nullptr;
 }
 
+// Any word, also one that looks like an option: in "--fw --isp" the file is "--isp".
 bool CpZvCmdLindParse::TakeNextWordAsArgument(int argc, char* const* argv) {
   if (m_command_index >= argc || argv[m_command_index] == nullptr) return false;
   m_command_argument = argv[m_command_index];
@@ -376,6 +385,7 @@ bool CpZvCmdLindParse::TakeNextWordAsArgument(int argc, char* const* argv) {
   return true;
 }
 
+// A caller that has turned diagnostics off prints its own and must know the reason.
 int CpZvCmdLindParse::MissingArgumentCode() const {
   return *m_short_cmds == ':' ? kScanMissingArgument : kScanError;
 }
