@@ -16,6 +16,8 @@ struct CommandRow {
 // clang-format off
 const std::vector<CommandRow> kCommands = {
   // command                 run
+  {Command::kRun,            RunUnit},
+  {Command::kReadback,       RunUnit},
 };
 // clang-format on
 

@@ -12,6 +12,8 @@ namespace line {
 
 // `session` already has the printer that the options ask for. The caller sends the `end` event.
 ExitStatus RunPlan(const Options& options, Session& session);
+// run and readback.
+ExitStatus RunUnit(const Options& options, Session& session);
 ExitStatus RunJournalShow(const Options& options, Session& session);
 ExitStatus RunJournalDoctor(const Options& options, Session& session);
 ExitStatus RunJournalResolve(const Options& options, Session& session);

@@ -72,6 +72,20 @@ class Grammar {
   void AddUnitCommands() {
     AddUnitOptions(*AddCommand(m_app, "plan", "Show what would be written where; touch nothing",
                                Command::kPlan));
+    CLI::App* const run = AddCommand(m_app, "run", "Do one action on one display", Command::kRun);
+    AddUnitOptions(*run);
+    run->add_flag("--readback", m_options.readback, "Read the flash back afterwards and compare");
+    AddIgnore(*run);
+    CLI::App* const readback =
+        AddCommand(m_app, "readback", "Compare the flash with what run would have written",
+                   Command::kReadback);
+    AddUnitOptions(*readback);
+    AddIgnore(*readback);
+  }
+
+  void AddIgnore(CLI::App& app) {
+    app.add_option("--ignore", m_options.ignore, "Leave these addresses out of the comparison")
+        ->type_name("FIRST-LAST");
   }
 
   void AddUnitOptions(CLI::App& app) {

@@ -205,6 +205,8 @@ class EventSink {
  public:
   virtual ~EventSink() = default;
   virtual void Take(const Event& event) = 0;
+  // Called about ten times a second while something runs, for clocks that are shown.
+  virtual void Tick(std::uint64_t /*mono_ms*/) {}
 };
 
 }  // namespace line

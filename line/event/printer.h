@@ -24,11 +24,7 @@ struct PrinterOptions {
   When color = When::kAuto;     // kAuto: on a terminal, unless NO_COLOR is set
 };
 
-class Printer : public EventSink {
- public:
-  // To be called about ten times a second while something runs: moves the clocks on.
-  virtual void Tick(std::uint64_t /*mono_ms*/) {}
-};
+class Printer : public EventSink {};
 
 // Never null.
 std::unique_ptr<Printer> MakePrinter(const PrinterOptions& options);

@@ -59,4 +59,10 @@ void Session::Emit(const Where& where, EventBody body) {
     sink->Take(event);
 }
 
+void Session::Tick(std::uint64_t mono_ms) {
+  for (EventSink* const sink : m_sinks) {
+    sink->Tick(mono_ms);
+  }
+}
+
 }  // namespace line

@@ -27,10 +27,14 @@ class Session {
 
   const std::string& Id() const { return m_id; }
 
-  // The sink must outlive the session.
+  // The sink must outlive the session, or be removed from it.
   void Add(EventSink& sink) { m_sinks.push_back(&sink); }
+  void Remove(EventSink& sink) { std::erase(m_sinks, &sink); }
 
   void Emit(const Where& where, EventBody body);
+
+  // Passes the time on to every sink.
+  void Tick(std::uint64_t mono_ms);
 
  private:
   std::string m_id;

@@ -178,23 +178,37 @@ void WorkerProcess::SendQueued() {
   }
 }
 
-std::vector<Frame> WorkerProcess::Receive() {
+// False when there was nothing to be read, or the socket has ended.
+bool WorkerProcess::ReceiveSome() {
+  if (m_socket < 0) return false;
+  char buffer[65536];
+  const ssize_t got = recv(m_socket, buffer, sizeof buffer, MSG_DONTWAIT);
+  if (got > 0) m_received.append(buffer, static_cast<std::size_t>(got));
+  const bool nothing_yet = got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR);
+  if (got <= 0 && !nothing_yet) CloseSocket();
+  return got > 0;
+}
+
+std::vector<Frame> WorkerProcess::TakeFrames() {
   std::vector<Frame> frames;
   bool broken = false;
-  while (m_socket >= 0) {
-    char buffer[65536];
-    const ssize_t got = recv(m_socket, buffer, sizeof buffer, MSG_DONTWAIT);
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0 && (errno == EAGAIN || errno == EWOULDBLOCK)) break;
-    if (got > 0) m_received.append(buffer, static_cast<std::size_t>(got));
-    while (std::optional<Frame> frame = TakeFrame(m_received, broken)) {
-      frames.push_back(std::move(*frame));
-    }
-    if (got <= 0 || broken) CloseSocket();
-    // One round a call: a worker that never stops talking must not keep the others waiting.
-    break;
+  while (std::optional<Frame> frame = TakeFrame(m_received, broken)) {
+    frames.push_back(std::move(*frame));
   }
+  if (broken) CloseSocket();
   return frames;
+}
+
+std::vector<Frame> WorkerProcess::Receive() {
+  // Once a call: a worker that never stops talking must not keep the others waiting.
+  ReceiveSome();
+  return TakeFrames();
+}
+
+std::vector<Frame> WorkerProcess::ReceiveRest() {
+  while (ReceiveSome()) {
+  }
+  return TakeFrames();
 }
 
 std::optional<Frame> WorkerProcess::WaitForFrame() {
@@ -204,10 +218,7 @@ std::optional<Frame> WorkerProcess::WaitForFrame() {
     if (frame || broken || m_socket < 0) return frame;
     pollfd entry = {m_socket, POLLIN, 0};
     if (poll(&entry, 1, -1) < 0 && errno != EINTR) return std::nullopt;
-    char buffer[65536];
-    const ssize_t got = recv(m_socket, buffer, sizeof buffer, MSG_DONTWAIT);
-    if (got > 0) m_received.append(buffer, static_cast<std::size_t>(got));
-    if (got == 0 || (got < 0 && errno == ECONNRESET)) CloseSocket();
+    ReceiveSome();
   }
 }
 

@@ -46,6 +46,8 @@ class WorkerProcess {
   // The frames that have come, without waiting. A socket that ends, or brings what is no frame, is
   // closed.
   std::vector<Frame> Receive();
+  // What a worker that has ended left to be read.
+  std::vector<Frame> ReceiveRest();
   // Waits for the next frame; nothing when the worker closed its socket.
   std::optional<Frame> WaitForFrame();
 
@@ -57,6 +59,8 @@ class WorkerProcess {
 
  private:
   void CloseSocket();
+  bool ReceiveSome();
+  std::vector<Frame> TakeFrames();
 
   pid_t m_pid = -1;
   int m_socket = -1;

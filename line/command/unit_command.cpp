@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+//
+// The commands for one display: run and readback.
+#include <signal.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+#include "app/banner.h"
+#include "base/path.h"
+#include "line/command/commands.h"
+#include "line/journal/history.h"
+#include "line/journal/journal.h"
+#include "line/supervise/private_copies.h"
+#include "line/supervise/supervisor.h"
+
+namespace line {
+
+namespace {
+
+ExitStatus Report(Session& session, ExitStatus status, std::string id, std::string text) {
+  session.Emit({}, ErrorEvent{std::move(id), std::move(text), "", {}, {}});
+  return status;
+}
+
+std::string AbsolutePath(const std::string& path) {
+  std::error_code failure;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
+  return failure ? path : absolute.string();
+}
+
+// The directory of the plug-ins, ending in "/".
+std::string PluginDirectory(const std::string& given) {
+  return given.empty() ? GetCurrentProcessDir(nullptr).GetUtf8String() : AbsolutePath(given) + "/";
+}
+
+ExitStatus StatusOfSignal(int signal) {
+  switch (signal) {
+    case SIGHUP:
+      return kExitHangUp;
+    case SIGTERM:
+      return kExitTerminate;
+    default:
+      return kExitInterrupt;
+  }
+}
+
+ExitStatus StatusOf(const StepEnd& end) {
+  switch (end.outcome) {
+    case Outcome::kPassed:
+      return kExitPassed;
+    case Outcome::kRefused:
+      return kExitRefused;
+    case Outcome::kUnavailable:
+      return kExitUnavailable;
+    default:
+      return kExitFailed;
+  }
+}
+
+// One display: everything between the options and the exit status.
+class UnitCommand {
+ public:
+  UnitCommand(const Options& options, Session& session) : m_options(options), m_session(session) {}
+
+  ExitStatus Run();
+
+ private:
+  ExitStatus Prepare();
+  StepRequest Request();
+  ExitStatus Approve(JudgedWords& words);
+  void OnStart();
+  ExitStatus Finish(const StepEnd& end, int stop_signal);
+  bool ReadsBack() const { return m_options.readback || ReadsOnly(); }
+  bool ReadsOnly() const { return m_options.command == Command::kReadback; }
+
+  const Options& m_options;
+  Session& m_session;
+  std::string m_data;
+  std::vector<AddressRange> m_ignored;
+  std::unique_ptr<Journal> m_journal;
+  std::unique_ptr<JournalSink> m_record;
+  std::unique_ptr<PrivateCopies> m_copies;
+  Where m_where;
+  std::uint64_t m_attempt = 1;
+};
+
+ExitStatus UnitCommand::Prepare() {
+  for (const std::string& text : m_options.ignore) {
+    const std::optional<AddressRange> range = ParseAddressRange(text);
+    if (!range) {
+      return Report(m_session, kExitRefused, "ignore",
+                    "--ignore " + text + " is no range; give FIRST-LAST, as 0x1F0000-0x1FFFFF.");
+    }
+    m_ignored.push_back(*range);
+  }
+  std::string error;
+  m_data = AbsolutePath(DataDirectory(m_options.data));
+  m_journal = Journal::Open(m_data, error);
+  if (m_journal == nullptr) return Report(m_session, kExitUnavailable, "record", error);
+  m_record = std::make_unique<JournalSink>(*m_journal);
+  m_copies = PrivateCopies::Make(error);
+  if (m_copies == nullptr) return Report(m_session, kExitUnavailable, "private-copies", error);
+  return kExitPassed;
+}
+
+ExitStatus UnitCommand::Approve(JudgedWords& words) {
+  if (!words.accepted) {
+    return Report(m_session, kExitRefused, "zvisp-refuses", words.said);
+  }
+  std::string error = ReadsBack() ? WhyNoReadBack(*words.setting) : "";
+  if (!error.empty()) return Report(m_session, kExitRefused, "read-back", error);
+  if (!UseCopies(*m_copies, words, error)) {
+    return Report(m_session, kExitRefused, "private-copies", error);
+  }
+  m_where.comm = words.setting->enumCommID;
+  m_where.place = "comm-" + std::to_string(words.setting->enumCommID);
+  // A display without a serial is known by its place.
+  if (m_where.unit.empty()) m_where.unit = m_where.place;
+  return kExitPassed;
+}
+
+void UnitCommand::OnStart() {
+  m_session.Emit(m_where, UnitStartEvent{m_attempt, m_options.allow_unsigned});
+}
+
+StepRequest UnitCommand::Request() {
+  StepRequest request;
+  m_where.run = NewUuid();
+  m_where.unit = m_options.unit;
+  request.where = m_where;
+  request.where.step = ReadsOnly() ? "readback" : "program";
+  request.where.step_index = 0;
+  request.words = m_options.words;
+  request.plugin_directory = PluginDirectory(m_options.plugins);
+  request.data_directory = m_data;
+  request.wait_ms = static_cast<std::uint64_t>(m_options.wait_s * 1000);
+  request.timeout_s = m_options.timeout_s;
+  request.attempt = m_attempt;
+  request.wanted = {m_options.nothing_written, m_options.expect};
+  request.reads_back = ReadsBack();
+  request.reads_only = ReadsOnly();
+  request.ignored = m_ignored;
+  request.copies_lock = m_copies->LockDescriptor();
+  request.dump_prefix = m_copies->PathFor("dump-");
+  request.approve = [this](JudgedWords& words) { return Approve(words); };
+  request.on_start = [this] { OnStart(); };
+  return request;
+}
+
+ExitStatus UnitCommand::Finish(const StepEnd& end, int stop_signal) {
+  const ExitStatus interrupted = StatusOfSignal(stop_signal);
+  if (!end.started) return end.interrupted ? interrupted : end.status;
+  UnitResultEvent result;
+  result.outcome = end.outcome;
+  result.state = end.state;
+  result.attempt = m_attempt;
+  result.failed_step = end.outcome == Outcome::kPassed ? "" : "program";
+  result.recorded = end.recorded;
+  result.duration_ms = end.duration_ms;
+  m_session.Emit(m_where, result);
+  const bool recorded = m_journal->WaitFor(m_record->Last()) && end.recorded;
+  ExitStatus status = StatusOf(end);
+  if (end.interrupted) status = interrupted;
+  if (!recorded && end.state != UnitState::kUntouched) {
+    status = Weightier(status, kExitNotRecorded);
+  }
+  return end.state == UnitState::kUncertain ? kExitUncertain : status;
+}
+
+ExitStatus UnitCommand::Run() {
+  const ExitStatus prepared = Prepare();
+  if (prepared != kExitPassed) return prepared;
+  m_session.Add(*m_record);
+  const Reporting reporting = {m_session, *m_journal, *m_record};
+  Supervisor supervisor(reporting);
+  StepRun step(Request(), reporting);
+  supervisor.Run({&step});
+  const ExitStatus status = Finish(step.End(), supervisor.StopSignal());
+  m_session.Remove(*m_record);
+  return status;
+}
+
+}  // namespace
+
+ExitStatus RunUnit(const Options& options, Session& session) {
+  return UnitCommand(options, session).Run();
+}
+
+}  // namespace line

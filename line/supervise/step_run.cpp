@@ -1,0 +1,402 @@
+// SPDX-License-Identifier: MIT
+#include "line/supervise/step_run.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <utility>
+
+namespace line {
+
+namespace {
+
+// From SIGTERM to SIGKILL.
+constexpr std::uint64_t kGraceMs = 10000;
+constexpr std::uint64_t kMostMessages = 10000;
+
+std::string_view PathOf(const char (&text)[kPathCapacity]) {
+  return {text, strnlen(text, sizeof text)};
+}
+
+bool ProgramsBootCode(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
+  return setting.enumIspMode == ISP_MODE_FACTORY && !PathOf(setting.szBootFwPath).empty();
+}
+
+std::string HolderOf(const Where& where) {
+  return "process " + std::to_string(getpid()) + " (unit " + where.unit + ", user " +
+         std::to_string(geteuid()) + ")";
+}
+
+Phase PhaseOf(const CallTrace& trace, bool boot_code) {
+  if (trace.last == "GetKeyFromFlash") return Phase::kSignature;
+  if (trace.last == "DumpFlash") return Phase::kReadBack;
+  return boot_code && trace.writing == 1 ? Phase::kBoot : Phase::kProgram;
+}
+
+}  // namespace
+
+StepRun::StepRun(StepRequest request, Reporting reporting)
+    : m_request(std::move(request)), m_reporting(reporting) {}
+
+void StepRun::EmitError(std::string id, std::string text) {
+  ErrorEvent error;
+  error.id = std::move(id);
+  error.text = std::move(text);
+  Emit(std::move(error));
+}
+
+void StepRun::EndWithoutStart(ExitStatus status) {
+  m_end.status = status;
+  // The worker waits for the parent and has called nothing, so it can be ended at once.
+  m_worker.Signal(SIGKILL);
+  m_stage = Stage::kDone;
+}
+
+void StepRun::Start() {
+  std::string error;
+  if (m_output.Open(error) &&
+      m_worker.Start(m_request.words, m_output.Descriptor(), m_request.copies_lock, error)) {
+    return;
+  }
+  EmitError("worker-not-started", error);
+  m_end.status = kExitUnavailable;
+  m_stage = Stage::kDone;
+}
+
+void StepRun::OnReadable() {
+  for (const Frame& frame : m_worker.Receive()) {
+    if (m_stage != Stage::kDone) Take(frame);
+  }
+}
+
+// A frame that does not belong to the stage is passed over: a plug-in may have written it.
+void StepRun::Take(const Frame& frame) {
+  const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
+  if (m_stage == Stage::kJudging && frame.type == MessageType::kJudged) OnJudged(frame);
+  if (m_stage == Stage::kLocking && frame.type == MessageType::kLocked) OnLocked();
+  if (m_stage == Stage::kLocking && frame.type == MessageType::kBusy) OnBusy(frame);
+  if (!runs) return;
+  if (frame.type == MessageType::kCall) OnCall(frame);
+  if (const auto progress = Decode<ProgressMessage>(frame)) OnProgress(progress->percent);
+  if (const auto message = Decode<TextMessage>(frame)) OnMessage(*message);
+  if (const auto result = Decode<ResultMessage>(frame)) OnResult(result->code);
+}
+
+void StepRun::OnJudged(const Frame& frame) {
+  std::optional<JudgedWords> words = DecodeJudged(frame);
+  if (!words) {
+    EmitError("worker-broken", "The worker's verdict cannot be read; try the words with zvisp.");
+    EndWithoutStart(kExitUnavailable);
+    return;
+  }
+  m_words = std::move(*words);
+  m_words.said = m_output.TakeText();
+  const ExitStatus status = m_request.approve(m_words);
+  if (status != kExitPassed) {
+    EndWithoutStart(status);
+    return;
+  }
+  const auto& setting = *m_words.setting;
+  m_request.where.comm = setting.enumCommID;
+  if (m_request.where.place.empty()) {
+    m_request.where.place = "comm-" + std::to_string(setting.enumCommID);
+  }
+  if (m_request.where.unit.empty()) m_request.where.unit = m_request.where.place;
+  m_trace.edp_mode = setting.enumEdpIspMode;
+  std::string error;
+  if (m_request.reads_back && !m_read_back.Plan(setting, m_request.ignored, error)) {
+    EmitError("read-back", error);
+    EndWithoutStart(kExitRefused);
+    return;
+  }
+  m_stage = Stage::kLocking;
+  m_worker.Send(Encode(LockMessage{setting.enumCommID, ProgramsBootCode(setting), m_request.wait_ms,
+                                   HolderOf(m_request.where)}));
+}
+
+void StepRun::OnBusy(const Frame& frame) {
+  const auto busy = Decode<BusyMessage>(frame).value_or(BusyMessage{});
+  EmitError(busy.in_use ? "interface-in-use" : "lock-not-available", busy.reason);
+  EndWithoutStart(kExitUnavailable);
+}
+
+GoMessage StepRun::GoFor(const JudgedWords& words) const {
+  GoMessage go;
+  go.setting = PackSetting(*words.setting);
+  go.sign_args.assign(reinterpret_cast<const char*>(words.sign_args.get()),
+                      sizeof *words.sign_args);
+  go.plugin_directory = m_request.plugin_directory;
+  go.data_directory = m_request.data_directory;
+  go.run = m_request.where.run;
+  go.unit = m_request.where.unit;
+  go.place = m_request.where.place;
+  go.step = m_request.where.step;
+  go.comm = words.setting->enumCommID;
+  go.attempt = m_request.attempt;
+  go.reads_only = m_request.reads_only;
+  go.reads_back = m_request.reads_back;
+  go.has_expected = m_request.wanted.scaler_type.has_value();
+  go.expected = m_request.wanted.scaler_type.value_or(0);
+  go.nothing_written = m_request.wanted.nothing_written;
+  return go;
+}
+
+void StepRun::OnLocked() {
+  m_request.on_start();
+  m_end.started = true;
+  m_started_ms = MonotonicMs();
+  m_request.where.phase = Phase::kPrepare;
+  Emit(StartEvent{m_request.timeout_s});
+  m_stage = Stage::kRunning;
+  m_worker.Send(Encode(GoFor(m_words)));
+  if (m_request.reads_only) StartReadBack();
+}
+
+// The plug-in is not called before the disk has the line that says so.
+void StepRun::OnCall(const Frame& frame) {
+  const auto call = Decode<CallMessage>(frame);
+  if (!call || m_call_is_pending) return;
+  const UnitState previous = m_end.state;
+  const bool writes = m_trace.Begin(call->name);
+  m_request.where.phase = PhaseOf(m_trace, ProgramsBootCode(*m_words.setting));
+  if (!writes) {
+    m_worker.Send(Encode(MayCallMessage{true}));
+    return;
+  }
+  m_end.state = UnitState::kProgramming;
+  Emit(StateEvent{UnitState::kProgramming, previous, call->name});
+  m_awaited = m_reporting.record.Last();
+  m_call_is_pending = true;
+  OnRecorded();
+}
+
+void StepRun::OnRecorded() {
+  if (m_awaited == 0) return;
+  const Journal::Fate fate = m_reporting.journal.FateOf(m_awaited);
+  if (fate == Journal::Fate::kPending) return;
+  m_awaited = 0;
+  const bool on_disk = fate == Journal::Fate::kOnDisk;
+  if (m_stage == Stage::kRecording) {
+    m_end.recorded = on_disk;
+    m_stage = m_process_end ? Stage::kDone : Stage::kEnding;
+    m_worker.Send(FrameBytes(MessageType::kBye, ""));
+    // It only has to end itself now.
+    m_kill_at_ms = MonotonicMs() + kGraceMs;
+    return;
+  }
+  if (!m_call_is_pending) return;
+  m_call_is_pending = false;
+  m_worker.Send(Encode(MayCallMessage{on_disk}));
+  if (on_disk) return;
+  // The worker ends without the call, which leaves the display as it was before.
+  m_trace.writing -= 1;
+  Verdict verdict =
+      JudgeMissingResult(m_trace, Outcome::kUnavailable,
+                         "the record cannot be written: " + m_reporting.journal.Failure());
+  Finish(verdict, {});
+}
+
+void StepRun::OnProgress(int percent) {
+  if (percent < 0 || percent > 100 || m_result.last_percent == percent) return;
+  m_result.last_percent = percent;
+  Emit(ProgressEvent{percent, MonotonicMs() - m_started_ms});
+}
+
+void StepRun::OnMessage(const TextMessage& message) {
+  if (++m_messages > kMostMessages) return;
+  MessageEvent event;
+  event.source = Source::kPlugin;
+  event.text = message.text;
+  event.truncated = message.truncated || m_messages == kMostMessages;
+  Emit(std::move(event));
+}
+
+void StepRun::ReportOutput(bool is_end) {
+  for (std::string& text : m_output.TakeLines(is_end)) {
+    MessageEvent event;
+    event.source = Source::kOutput;
+    event.truncated = text.size() > kLongestText;
+    if (event.truncated) text.resize(kLongestText);
+    event.text = std::move(text);
+    Emit(std::move(event));
+  }
+  if (!is_end || m_output.DroppedBytes() == 0) return;
+  MessageEvent event;
+  event.source = Source::kOutput;
+  event.level = Level::kWarning;
+  event.text = std::to_string(m_output.DroppedBytes()) + " more bytes of output were not kept";
+  event.truncated = true;
+  Emit(std::move(event));
+}
+
+// The first result of the action counts; what comes when nothing was asked for is passed over.
+void StepRun::OnResult(std::uint32_t code) {
+  if (m_call_is_pending) return;
+  if (m_stage == Stage::kRunning) {
+    OnActionResult(code);
+  } else {
+    OnDumpResult(code);
+  }
+}
+
+void StepRun::OnActionResult(std::uint32_t code) {
+  const Verdict verdict = JudgeResult(m_trace, code, m_request.wanted);
+  if (verdict.outcome != Outcome::kPassed || !m_request.reads_back || m_ended_by_us) {
+    Finish(verdict, code);
+    return;
+  }
+  Emit(StateEvent{verdict.state, m_end.state, m_trace.last});
+  m_end.state = verdict.state;
+  m_result.code = code;
+  m_result.code_source = verdict.code_source;
+  StartReadBack();
+}
+
+void StepRun::StartReadBack() {
+  m_stage = Stage::kReadingBack;
+  m_request.where.phase = Phase::kReadBack;
+  m_result.last_percent.reset();
+  m_result.compared_bytes = 0;
+  DumpNextRange();
+}
+
+std::string StepRun::DumpFile() const {
+  return m_request.dump_prefix + std::to_string(m_next_range);
+}
+
+void StepRun::DumpNextRange() {
+  const ReadBack::Range& range = m_read_back.Ranges()[m_next_range];
+  m_worker.Send(Encode(DumpMessage{range.address, range.length, DumpFile()}));
+}
+
+void StepRun::OnDumpResult(std::uint32_t code) {
+  ReadBack::Finding finding;
+  if (code != 0) {
+    m_result.code = code;
+    finding.failure = "the flash cannot be read back";
+  } else {
+    finding = m_read_back.Compare(m_read_back.Ranges()[m_next_range], DumpFile());
+  }
+  unlink(DumpFile().c_str());
+  *m_result.compared_bytes += finding.compared_bytes;
+  ++m_next_range;
+  const bool more = m_next_range < m_read_back.Ranges().size();
+  if (finding.failure.empty() && !finding.difference && more) {
+    DumpNextRange();
+  } else {
+    FinishReadBack(finding);
+  }
+}
+
+void StepRun::FinishReadBack(const ReadBack::Finding& finding) {
+  m_result.difference = finding.difference;
+  Verdict verdict = {Outcome::kPassed, UnitState::kIdentical, "plug-in",
+                     "the flash holds the planned bytes"};
+  if (!finding.failure.empty()) {
+    verdict.outcome = Outcome::kFailed;
+    verdict.state = m_end.state;
+    verdict.meaning = finding.failure;
+  } else if (finding.difference) {
+    verdict.outcome = Outcome::kDifferent;
+    verdict.state = UnitState::kDifferent;
+    verdict.meaning = "the flash differs from the planned bytes";
+  }
+  Finish(verdict, m_result.code);
+}
+
+void StepRun::Finish(const Verdict& verdict, std::optional<std::uint32_t> code) {
+  ReportOutput(true);
+  m_result.outcome = m_ended_by_us.value_or(verdict.outcome);
+  m_result.state = verdict.state;
+  m_result.code = code;
+  m_result.code_source = verdict.code_source;
+  m_result.meaning = verdict.meaning;
+  if (m_trace.last == "GetScalerType" && code) {
+    m_result.value = std::to_string(*code);
+    if (m_request.wanted.scaler_type) {
+      m_result.expected = std::to_string(*m_request.wanted.scaler_type);
+    }
+  }
+  m_result.duration_ms = MonotonicMs() - m_started_ms;
+  m_end.outcome = m_result.outcome;
+  m_end.state = m_result.state;
+  m_end.interrupted = m_result.outcome == Outcome::kInterrupted;
+  m_end.duration_ms = m_result.duration_ms;
+  Emit(m_result);
+  m_awaited = m_reporting.record.Last();
+  m_stage = Stage::kRecording;
+  OnRecorded();
+}
+
+Verdict StepRun::WithoutResult(const ProcessEnd& end) const {
+  std::string meaning = "the plug-in ended its process with exit status " +
+                        std::to_string(end.exit_status.value_or(0));
+  if (m_ended_by_us == Outcome::kTimedOut) {
+    meaning = "the time-out ended the run";
+  } else if (m_ended_by_us == Outcome::kInterrupted) {
+    meaning = "the operator ended the run";
+  } else if (end.signal) {
+    meaning = "the process of the plug-in was ended by signal " + std::to_string(*end.signal) +
+              " (" + strsignal(*end.signal) + ")";
+  }
+  Verdict verdict = JudgeMissingResult(m_trace, Outcome::kCrashed, std::move(meaning));
+  // Programming had succeeded before the read-back began.
+  if (m_stage == Stage::kReadingBack) verdict.state = m_end.state;
+  return verdict;
+}
+
+void StepRun::OnProcessEnded() {
+  if (m_stage == Stage::kDone) return;
+  if (!m_process_end) {
+    m_process_end = m_worker.TakeEnd();
+    if (!m_process_end) return;
+    // What it said last counts.
+    for (const Frame& frame : m_worker.ReceiveRest()) {
+      Take(frame);
+    }
+  }
+  if (m_stage == Stage::kJudging || m_stage == Stage::kLocking) {
+    EmitError("worker-broken", "The worker ended before the run began; try the words with zvisp.");
+    EndWithoutStart(kExitUnavailable);
+  } else if (m_stage == Stage::kRunning || m_stage == Stage::kReadingBack) {
+    // A worker that ended while it asked has not made the call.
+    if (m_call_is_pending) m_trace.writing -= 1;
+    m_call_is_pending = false;
+    m_result.signal = m_process_end->signal;
+    Finish(WithoutResult(*m_process_end), {});
+  } else if (m_stage == Stage::kEnding) {
+    m_stage = Stage::kDone;
+  }
+}
+
+void StepRun::EndWorker(Outcome why, std::uint64_t now_ms) {
+  const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
+  if (!runs || m_ended_by_us) return;
+  m_ended_by_us = why;
+  m_kill_at_ms = now_ms + kGraceMs;
+  m_worker.Signal(SIGTERM);
+}
+
+void StepRun::OnTick(std::uint64_t now_ms) {
+  const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
+  if (runs) ReportOutput(false);
+  if (m_request.timeout_s && *m_request.timeout_s > 0 &&
+      static_cast<double>(now_ms - m_started_ms) >= *m_request.timeout_s * 1000) {
+    EndWorker(Outcome::kTimedOut, now_ms);
+  }
+  if (m_kill_at_ms != 0 && now_ms >= m_kill_at_ms) m_worker.Signal(SIGKILL);
+}
+
+void StepRun::StartNothingNew() {
+  if (m_stage != Stage::kJudging && m_stage != Stage::kLocking) return;
+  m_end.interrupted = true;
+  EndWithoutStart(kExitInterrupt);
+}
+
+void StepRun::Interrupt(std::uint64_t now_ms) {
+  StartNothingNew();
+  EndWorker(Outcome::kInterrupted, now_ms);
+}
+
+}  // namespace line
