@@ -20,9 +20,9 @@ struct ListedOperation {
 
 // clang-format off
 constexpr ListedOperation kOperations[] = {
-#define OPERATION(slot, look_up, Returns, unloaded, Method, Types) \
-    OPERATION_AS(slot, look_up, Returns, unloaded, Method, Types, #Method)
-#define OPERATION_AS(slot, look_up, Returns, unloaded, Method, Types, symbol) \
+#define OPERATION(slot, look_up, Returns, unloaded, Method, Parameters, Arguments) \
+    OPERATION_AS(slot, look_up, Returns, unloaded, Method, Parameters, Arguments, #Method)
+#define OPERATION_AS(slot, look_up, Returns, unloaded, Method, Parameters, Arguments, symbol) \
     {slot, look_up, {symbol, ExportNeed::kRequired, Slot<&Exports::Method>}},
 #include "plugin/comm_operations.inc"
 };
@@ -98,31 +98,10 @@ void CZvComm::FreeCommDllFile() {
   Init();
 }
 
-// The list gives types only. These number the parameters: `u8, u16` becomes `u8 a, u16 b`, and
-// `a, b` where they are handed on. The comma after __VA_ARGS__ keeps the last `...` from being
-// absent, which is not the same as empty.
 // clang-format off
-#define PARAMETERS(...) __VA_OPT__(PARAMETER_1(__VA_ARGS__, ))
-#define PARAMETER_1(Type, ...) Type a __VA_OPT__(, PARAMETER_2(__VA_ARGS__))
-#define PARAMETER_2(Type, ...) Type b __VA_OPT__(, PARAMETER_3(__VA_ARGS__))
-#define PARAMETER_3(Type, ...) Type c __VA_OPT__(, PARAMETER_4(__VA_ARGS__))
-#define PARAMETER_4(Type, ...) Type d __VA_OPT__(, PARAMETER_5(__VA_ARGS__))
-#define PARAMETER_5(Type, ...) Type e __VA_OPT__(, PARAMETER_6(__VA_ARGS__))
-#define PARAMETER_6(Type, ...) Type f __VA_OPT__(, PARAMETER_7(__VA_ARGS__))
-#define PARAMETER_7(Type, ...) Type g
-
-#define ARGUMENTS(...) __VA_OPT__(ARGUMENT_1(__VA_ARGS__, ))
-#define ARGUMENT_1(Type, ...) a __VA_OPT__(, ARGUMENT_2(__VA_ARGS__))
-#define ARGUMENT_2(Type, ...) b __VA_OPT__(, ARGUMENT_3(__VA_ARGS__))
-#define ARGUMENT_3(Type, ...) c __VA_OPT__(, ARGUMENT_4(__VA_ARGS__))
-#define ARGUMENT_4(Type, ...) d __VA_OPT__(, ARGUMENT_5(__VA_ARGS__))
-#define ARGUMENT_5(Type, ...) e __VA_OPT__(, ARGUMENT_6(__VA_ARGS__))
-#define ARGUMENT_6(Type, ...) f __VA_OPT__(, ARGUMENT_7(__VA_ARGS__))
-#define ARGUMENT_7(Type, ...) g
-
-#define OPERATION(slot, look_up, Returns, unloaded, Method, Types) \
-  auto CZvComm::Method(PARAMETERS Types) -> Returns { \
-    return static_cast<Returns>(m_exports.Method(ARGUMENTS Types)); \
+#define OPERATION(slot, look_up, Returns, unloaded, Method, Parameters, Arguments) \
+  auto CZvComm::Method Parameters -> Returns { \
+    return static_cast<Returns>(m_exports.Method Arguments); \
   }
 #include "plugin/comm_operations.inc"
 // clang-format on

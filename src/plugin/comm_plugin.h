@@ -5,11 +5,11 @@
 //
 // An ISP plug-in that is handed a CZvComm* calls it by slot of the virtual table, so the order of
 // the virtual functions is a contract with libraries that were built elsewhere. The operations,
-// slot by slot with their parameters, stand in plugin/comm_operations.inc.
+// slot by slot with their parameters, are listed in plugin/comm_operations.inc.
 //
 // Without a library an operation answers its "unloaded" value: 6 where it has a status or a count,
 // 0 from the getters of a mode, a slave address or a speed, and nothing where it has no result.
-// Pointers are handed on as they are; the proxy keeps and frees none. Destroying the proxy does
+// Pointers are handed on unchanged; the proxy keeps and frees none. Destroying the proxy does
 // not unload the library; FreeCommDllFile does.
 #ifndef ZVISP_PLUGIN_COMM_PLUGIN_H_
 #define ZVISP_PLUGIN_COMM_PLUGIN_H_
@@ -50,19 +50,20 @@ class CZvComm {
 
   // Loads the library at a path after FreeCommDllFile, which a derived class may have overridden.
   // Returns 1, or 0 with nothing loaded: when the library cannot be opened, after printing
-  // "Failed to open libaray <path> error:<reason>" and a line end to standard error; silently when
+  // "Failed to open libaray <path> error:<reason>" and a newline to standard error; silently when
   // it lacks one of the exports.
   virtual int LoadCommDllFile(wchar_t* path);
 
   // Closes the library, if one is loaded, and unbinds every call.
   virtual void FreeCommDllFile();
 
-#define OPERATION(slot, look_up, Returns, unloaded, Method, Types) virtual Returns Method Types;
+#define OPERATION(slot, look_up, Returns, unloaded, Method, Parameters, Arguments) \
+  virtual Returns Method Parameters;
 #include "plugin/comm_operations.inc"
 
   struct Exports {
-#define OPERATION(slot, look_up, Returns, unloaded, Method, Types) \
-  Export<Register<Returns> Types, unloaded> Method;
+#define OPERATION(slot, look_up, Returns, unloaded, Method, Parameters, Arguments) \
+  Export<Register<Returns> Parameters, unloaded> Method;
 #include "plugin/comm_operations.inc"
   };
 

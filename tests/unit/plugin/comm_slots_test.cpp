@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <new>
 #include <string>
+#include <tuple>
 
 #include "support/comm_library.h"
 
@@ -35,10 +36,11 @@ class Namesake : public CZvComm {
   }
   void FreeCommDllFile() override { g_called = "FreeCommDllFile"; }
 
-#define OPERATION(slot, look_up, Returns, unloaded, Method, Types) \
-  Returns Method Types override {                                  \
-    g_called = #Method;                                            \
-    return Returns();                                              \
+#define OPERATION(slot, look_up, Returns, unloaded, Method, Parameters, Arguments) \
+  Returns Method Parameters override {                                             \
+    static_cast<void>(std::tie Arguments);                                         \
+    g_called = #Method;                                                            \
+    return Returns();                                                              \
   }
 #include "plugin/comm_operations.inc"
 
