@@ -5,6 +5,16 @@
 
 #include "plugin/command_setting.h"
 
+namespace {
+
+// The sequence that ends a colour comes after the newline, so the line buffer still holds it: a
+// crash must not leave the operator's terminal in colour.
+void FlushColour() {
+  std::fflush(stdout);
+}
+
+}  // namespace
+
 const unsigned char g_ucszVersion[3] = {ZVISP_VERSION};
 
 void ShowToolVersion() {
@@ -12,9 +22,7 @@ void ShowToolVersion() {
       "\033[33mZorvane Unix ISP Utility V%d.%d.%d"
       ", Copyright (c) 2026 the authors, MIT License, without warranty of any kind\r\n\033[m",
       g_ucszVersion[0], g_ucszVersion[1], g_ucszVersion[2]);
-  // The last sequence stands behind the line's end: a plug-in that crashes must not leave the
-  // operator's terminal yellow.
-  std::fflush(stdout);
+  FlushColour();
 }
 
 void ShowResult(std::uint32_t action, std::uint32_t result) {
@@ -25,4 +33,5 @@ void ShowResult(std::uint32_t action, std::uint32_t result) {
   } else {
     std::printf("\033[32mSuccess\n\033[m");
   }
+  FlushColour();
 }

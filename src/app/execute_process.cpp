@@ -115,7 +115,7 @@ std::uint32_t Verify(Run& run, char* key) {
   return static_cast<std::uint32_t>(run.sign_verify.VerifySignature(run.sign_args, key));
 }
 
-// Programming may have put another device behind the hub.
+// The plug-in's last call may have reset the display; the host then has a new device.
 std::uint32_t RefreshHubDevice(Run& run) {
   if (run.setting->enumCommID != kHubCommId) return 0;
   if (g_funcZvGetHubDev == nullptr || run.device == nullptr) return 0;

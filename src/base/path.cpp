@@ -85,7 +85,7 @@ CCpZvString GetCurrentProcessDir(void* address) {
 
 std::string GetAbsolutePath(const std::string& path) {
   char buffer[kResolvedPathCapacity] = {};
-  // The result is not asked for: a path that does not exist still names what to complain about.
+  // A failure is ignored: what was resolved until then names the file in our messages.
   static_cast<void>(realpath(path.c_str(), buffer) == nullptr);
   return buffer;
 }

@@ -11,8 +11,8 @@
 #include "base/zv_string.h"
 
 // The directory, ending in "/", of the running executable, or, for an address that is not null, of
-// the loaded image (executable or library) that holds it. Empty when that cannot be told or the
-// environment's locale cannot read the path.
+// the loaded image (executable or library) that holds it. Empty when the
+// system does not say or the environment's locale cannot read the path.
 CCpZvString GetCurrentProcessDir(void* address);
 
 // The path with links, "." and ".." resolved. Where that fails, what the platform resolved until
@@ -27,7 +27,7 @@ bool IsAbsolutePath(const std::string& path);
 // separator between the two, so a base that is not empty ends in "/".
 std::string GetFileFullPath(const std::string& path, const std::string& base);
 
-// True when the path can be opened for reading and is no directory.
+// True when the path can be opened for reading and is not a directory.
 bool PathFileExist(const std::string& path);
 
 // Stores the size in bytes of a regular file that can be opened for reading; false, with the size

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The one thing that macOS and Linux tell in different ways; a source file for each.
+// The one question that macOS and Linux answer in different ways; there is a source file for each.
 #ifndef ZVISP_BASE_PROCESS_PATH_H_
 #define ZVISP_BASE_PROCESS_PATH_H_
 

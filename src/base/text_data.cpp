@@ -47,7 +47,7 @@ bool ReadValue(std::wstring_view word, const wchar_t* definitions, unsigned int&
          GetDefineValue(std::wstring(word).c_str(), definitions, &value) == 1;
 }
 
-// False when something that does not belong into a list stands before the separator.
+// False when something other than words, comments and "{" comes before the separator.
 bool TakeSeparator(TextLexer& lexer) {
   while (!lexer.AtEnd()) {
     switch (lexer.Next()) {
@@ -92,13 +92,13 @@ std::vector<char> ToLocaleBytes(const wchar_t* text, std::size_t size) {
   if (size == 0) size = std::wcsrtombs(nullptr, &from, 0, &state);
   if (size == kMeasurementFailed) return {};
   std::vector<char> bytes(size + 1);
-  // To measure moves neither the text nor the state.
+  // Measuring changed neither `from` nor the state.
   static_cast<void>(std::wcsrtombs(bytes.data(), &from, size, &state));
   return bytes;
 }
 
-// Gathers the texts between pairs of quotes, quotes included; false when one of them is empty. The
-// search starts behind the first character: a quote there never opens anything.
+// Collects the texts between pairs of quotes, quotes included; false when one of them is empty.
+// Kept quirk: the search starts after the first character, so a quote there never opens a text.
 bool FindQuotedTexts(const std::string& line, std::vector<std::string>& quoted) {
   std::size_t open = line.find('"', 1);
   while (open != std::string::npos) {
@@ -179,7 +179,7 @@ unsigned int HexStrToInt(const wchar_t* digits, unsigned char count) {
   return value;
 }
 
-// The terminating zero is no digit, so a string that is too short is never read past its end.
+// The terminating zero is not a digit, so a string that is too short is never read past its end.
 unsigned int HexStrToInt(const CCpZvString& digits, unsigned char count) {
   return HexStrToInt(digits.GetString(), count);
 }

@@ -15,10 +15,10 @@
 #include "base/zv_string.h"
 
 // Takes the next token of text[position..length) and moves the position past it. Returns its kind:
-//   0 end of the text behind blanks, a comment without an end, or any other single character
+//   0 only blanks up to the end of the text, a comment without an end, or any other character
 //   1 a word of ASCII letters, digits and "_", copied to `word`
-//   2 a comment: "/*" up to and with "*/", or "//" up to the line end
-//   3 a line end: one CR or one LF     4 ","     5 "{"     6 "}"
+//   2 a comment: "/*" with its "*/", or "//" and the rest of the line without its newline
+//   3 a newline: one CR or one LF     4 ","     5 "{"     6 "}"
 //
 // `word` has room for `capacity` wide units and is never written past that; other kinds leave it
 // alone. A shorter word is followed by zeros. A word of exactly `capacity` units is stored whole,
@@ -27,36 +27,37 @@
 int GetNextWord(const wchar_t* text, unsigned int& position, unsigned int length, wchar_t* word,
                 unsigned int capacity);
 
-// Reads the next value of a list and moves the position past it and its separator (a comma, a line
-// end or "}"). A value is a "0x" number, or decimal digits, where a leading 0 means octal, or else
-// a name that `definitions` defines (null for none). Comments, line ends, commas and "{" before it
-// and further words behind it are skipped. Returns
+// Reads the next value of a list and moves the position past it and its separator (a comma, a
+// newline or "}"). A value is a "0x" number, or decimal digits, where a leading 0 means octal, or
+// else a name that `definitions` defines (null for none). Comments, newlines, commas and "{" before
+// it are skipped, and so are further words, comments and "{" after it. Returns
 //   1 found; `value` is stored, which no other result does
-//   0 for a word that is no value, for anything else of kind 0 before the value or between it and
-//     its separator (blanks up to the end of the text, too), or when the position is at the end
-//   6 the text ended before a value, or "}" was taken
+//   0 the position is at the end; the word is not a value; or a token of kind 0 came before the
+//     value and was not the last of the text, or came between the value and its separator (blanks
+//     up to the end of the text are such a token)
+//   6 the text ended before a value, whatever its last token was, or "}" came first
 int FindNextBytes(const wchar_t* text, unsigned int& position, unsigned int length,
                   const wchar_t* definitions, unsigned int* value);
 
 // Looks up the first word that equals `name` in text such as "#define NAME 0x1F" and reads the word
-// right behind it: a "0x" number (0 when a digit is none) or decimal digits, octal with a leading
-// 0. Returns 1 with the value stored, or 0.
+// directly after it: a "0x" number (0 when a character is not a digit) or decimal digits, octal
+// with a leading 0. Returns 1 with the value stored, or 0.
 int GetDefineValue(const wchar_t* name, const wchar_t* definitions, unsigned int* value);
 
-// Converts a list of values to bytes; what is no value is passed over. Returns their number; 0 when
+// Converts a list of values to bytes; what is not a value is skipped. Returns their number; 0 when
 // there are none or more than `capacity`, when a value is above 255, or when the bytes do not sum
 // up to 0 modulo 256, as those of an EDID do. After a failure the output may be partly filled.
 unsigned int EDIDToBin(const wchar_t* text, unsigned int length, unsigned char* output,
                        unsigned int capacity);
 
-// The value of exactly `count` hexadecimal digits; 0 when one of them is none, the end of the text
-// included. Of more than 8 digits, those at distance 8 are added up.
+// The value of exactly `count` hexadecimal digits; 0 when one character is not a digit, as at the
+// end of a text that is too short. Of more than 8 digits, those at distance 8 are added up.
 unsigned int HexStrToInt(const wchar_t* digits, unsigned char count);
 unsigned int HexStrToInt(const CCpZvString& digits, unsigned char count);
 
 // Converts numbers between commas, as StringtoInt reads them, to bytes. Returns how many were
 // stored; stops at `maximum` unless that is 0, which means that the output has room for all. Stops
-// with 0 at a piece that is no number from 0 to 255; the bytes before it stay stored.
+// with 0 at a piece that is not a number from 0 to 255; the bytes before it stay stored.
 unsigned int ConvetStringToByteArry(const std::string& text, unsigned char* output,
                                     unsigned int maximum);
 
@@ -66,7 +67,7 @@ unsigned int CalculateByteChecksum(const unsigned char* data, unsigned int lengt
 unsigned short CalculateWordChecksum(const unsigned char* data, unsigned int length);
 
 // Writes the text in the encoding of the environment's locale, to a new file or, when `append` is
-// not 0, behind the end of an existing one. With length 0 it writes the text and a terminating
+// not 0, to the end of an existing one. With length 0 it writes the text and a terminating
 // zero byte. Otherwise it writes length * 4 + 1 bytes: what fits of the text, then zeros.
 // Returns 1; 0 when the file does not open, which leaves the process in the environment's locale.
 int CpZvSaveAnsiFile(const CCpZvString& path, const CCpZvString& text, unsigned int length,

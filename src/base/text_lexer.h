@@ -11,7 +11,7 @@
 enum class TextToken {
   kNone = 0,        // blanks up to the end, a comment without an end, or any other character
   kWord = 1,        // a run of ASCII letters, digits and "_"
-  kComment = 2,     // "/*" with its "*/", or "//" without its line end
+  kComment = 2,     // "/*" with its "*/", or "//" without its newline
   kLineEnd = 3,     // one CR or LF
   kComma = 4,       // ","
   kOpenBrace = 5,   // "{"

@@ -18,7 +18,7 @@ constexpr std::size_t kConversionUnits = 10240;
 constexpr std::size_t kConversionFailed = static_cast<std::size_t>(-1);
 
 // Nearly every path is plain ASCII, and opening a converter loads a module from disk, which takes
-// longer than the rest of a run's start. The result is the same without one.
+// longer than the rest of a run's start. ASCII text has the same result without a converter.
 template <typename Text>
 bool IsShortAscii(const Text& text) {
   return text.size() < kConversionUnits && std::all_of(text.begin(), text.end(), [](auto unit) {
@@ -48,13 +48,13 @@ std::vector<char> NarrowInEnvironmentLocale(const wchar_t* text) {
   const std::size_t length = std::wcsrtombs(nullptr, &from, 0, &state);
   if (length == kConversionFailed) return {};
   std::vector<char> narrow(length + 1);
-  // To measure moves neither the text nor the state.
+  // Measuring changed neither `from` nor the state.
   if (std::wcsrtombs(narrow.data(), &from, length, &state) == kConversionFailed) return {};
   return narrow;
 }
 
-// Reads locale text into at most `room` wide units; empty when it cannot be converted or when the
-// room is that of a failed measurement, which leaves the other categories switched all the same.
+// Reads locale text into at most `room` wide units; empty when it cannot be converted, or when
+// `room` is the result of a failed measurement. Even then the other categories have been switched.
 std::wstring WidenInEnvironmentLocale(const char* text, std::size_t room) {
   const ScopedEnvironmentLocale environment;
   if (room == kConversionFailed) return {};

@@ -20,7 +20,8 @@ class CCpTransform {
   std::wstring ConvertStringToWString(const std::string& text) const;
 
   // The locale conversions switch the process to the environment's locale and back (see
-  // base/environment_locale.h). Null pointers count as empty text.
+  // base/environment_locale.h). A null pointer gives an empty text, and ConvertWCHARToCHAR then
+  // returns a null pointer.
   std::string ConvertUnicodeStringToANSI(const std::wstring& text) const;
   std::string ConvertWCHARToANSIString(const wchar_t* text) const;
   // The caller owns the array and frees it with array delete.

@@ -60,7 +60,8 @@ std::string DotVersion(const std::string& version) {
   return dotted;
 }
 
-// A name that ends in the major number alone is a build without a full version.
+// For "1.2.3", drops a name such as "fw_1.bin": it has the major number and nothing more of the
+// version. Names without the major number stay.
 void AppendExceptMajor(FileNames& out, const FileNames& candidates, const std::string& version) {
   const std::string dotted = DotVersion(version);
   const std::size_t dot = dotted.find('.');

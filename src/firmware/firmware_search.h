@@ -34,7 +34,7 @@ int GetBinNameFromPrefixSetting(const std::string& dir, const std::string& setti
                                 wchar_t (&wszSettingFilePath)[kPathCapacity], std::string& fw_name);
 
 // Stores in `fw_name` the only ".bin" name that fits the identification in "IspUserDefined.txt" of
-// the directory, and returns 1. Each text that is not ignored and not empty must stand somewhere in
+// the directory, and returns 1. Each text that is not ignored and not empty must occur somewhere in
 // the name; the version selects as FindBinUseVersionInfo says. Otherwise leaves it alone, prints
 // one of these and returns 0:
 //   "get userdefined info fail!\n"

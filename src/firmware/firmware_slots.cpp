@@ -19,11 +19,15 @@ bool NeedsFirmwareFiles(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
            setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN_CMD));
 }
 
+// True when a claimed bank lies in [start, start + banks). Start banks are at most 255, so the
+// difference cannot wrap.
 bool IsAnyBankTaken(const FwBankMap& bankMap, unsigned int start, unsigned int banks) {
   const auto first = bankMap.lower_bound(start);
   return banks > 0 && first != bankMap.end() && first->first - start < banks;
 }
 
+// The record has room for 256 entries. Refused before any bank is claimed, because a map that is
+// cut would program half a file.
 bool FitsTheRecord(std::size_t count) {
   if (count <= kMapFwCapacity) return true;
   std::printf("Program fw bank count out of range! %zu banks, at most %d\n", count,
@@ -87,7 +91,7 @@ int InsertCommandStartBank(FwBankMap& slots, unsigned int slot, const std::strin
     std::printf("Parameter illegal! --bank%u %s \n", slot, text.c_str());
     return 0;
   }
-  // Before the range, because -1 stands for a value that was lost on the way.
+  // Before the check of the range: scripts that lose a value pass -1, and match this message.
   if (bank == kMissingStartBank) {
     std::printf("Parameter illegal, start bank value is loss! --bank%u %s \n", slot, text.c_str());
     return 0;
@@ -108,6 +112,7 @@ int GetFwBankCount(const std::string& directory, std::string& path, unsigned int
     std::printf("File open fail! %s\n", path.c_str());
     return 0;
   }
+  // Kept quirk: only the low 32 bits of the size count, so a file of 4 GiB and 1 byte has one bank.
   const auto low_size = static_cast<std::uint32_t>(bytes);
   banks = low_size / kFwBankBytes + (low_size % kFwBankBytes != 0 ? 1 : 0);
   return 1;
@@ -117,6 +122,7 @@ int JudgeFwMap(const FwBankMap& slots, const std::string& directory,
                const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, FwBankMap& bankMap) {
   if (!NeedsFirmwareFiles(setting)) return 1;
   if (slots.empty()) {
+    // A search that left no file in the slots is accepted; the plug-in then gets an empty map.
     if (setting.bSearchFw != 0) return 1;
     std::printf("Program fw bin path should not be empty!\n");
     return 0;

@@ -15,7 +15,7 @@ constexpr std::size_t kTextCapacity = 260;  // wide units of a text value, termi
 constexpr std::uint32_t kRecordModes = 3;
 constexpr int kVersionModes = 2;
 
-// The record mode of a text. One that is not fatal is reported, and the text read as mode 0.
+// The record mode of a text. A wrong one is reported; unless it is fatal, the mode stays 0.
 struct RecordModeRow {
   const wchar_t* key;
   std::uint32_t Info::*mode;
@@ -36,7 +36,7 @@ struct TextRow {
   std::string (*format)(int number, bool is_first);
 };
 
-// Empty for a code that names no character. Zero is one of them: text ends there.
+// Empty for a code that is not a character. Zero is such a code, because text ends there.
 std::string FormatCharacter(int code, bool /*is_first*/) {
   const wchar_t text[] = {static_cast<wchar_t>(code), L'\0'};
   return CCpTransform().ConvertUnicodeStringToUTF8(text);
@@ -125,7 +125,7 @@ bool ReadIgnores(const InfoFile& file, Info& info) {
   return !all_ignored;
 }
 
-// Stores the text that a list of numbers such as "77 49" stands for; false when a piece is none.
+// Stores the text for a list of numbers such as "77 49"; false when a piece is not a number.
 bool StoreNumbers(const TextRow& row, const std::string& list, Info& info) {
   std::string text;
   bool is_first = true;

@@ -12,7 +12,7 @@
 // selects none.
 enum ENUM_FIND_BIN_MODE_USE_VER_MODE : std::int32_t {
   FIND_BIN_USE_VER_MODE_CONTAINS = 0,      // the name contains the version
-  FIND_BIN_USE_VER_MODE_EXCEPT_MAJOR = 1,  // the name does not end in the major number alone
+  FIND_BIN_USE_VER_MODE_EXCEPT_MAJOR = 1,  // "bin" does not directly follow the major number
 };
 
 // The fields carry the keys' names without their prefix. Texts are ready to be looked for in file
@@ -41,13 +41,13 @@ struct STRUCT_CP_GET_USER_DEFINED_BIN_INFO {
 
 // Reads `dir` + "IspUserDefined.txt", without a separator between the two. Returns 1 when the
 // identification can be used, else 0; the fields read until then are stored either way.
-// Prints, without a line end:
+// Prints, without a newline:
 //   "Record si mode setting error!"          or "model", "panel": mode stays as it was, not fatal
 //   "Record version mode setting error!"     fatal
 //   "Find bin version mode setting error!"   fatal
 //   "Ignore setting error!"                  fatal: all four texts are ignored
-// Fatal without a message: a piece of a list of numbers is no number; all four texts are empty,
-// as they are when the file is missing. Codes that name no character add nothing to their text.
+// Fatal without a message: a piece of a list of numbers is not a number; all four texts are empty,
+// as they are when the file is missing. Codes that are not characters add nothing to their text.
 int GetUserDefinedInfoFromTxt(const std::string& dir, STRUCT_CP_GET_USER_DEFINED_BIN_INFO& info);
 
 #endif  // ZVISP_FIRMWARE_USER_DEFINED_INFO_H_

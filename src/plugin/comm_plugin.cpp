@@ -48,7 +48,7 @@ struct LookUp {
   ExportRow<Exports> rows[CountExports()];
 };
 
-// Each export at its place. A place outside the table is no constant expression.
+// Each export at its place. A place outside the table does not compile.
 constexpr LookUp InLookUpOrder() {
   LookUp table = {};
   for (const ListedOperation& operation : kOperations) {
@@ -66,7 +66,7 @@ constexpr bool EveryPlaceIsTaken() {
   return true;
 }
 
-static_assert(SlotsCountUp(), "the list must stand in slot order, without a gap");
+static_assert(SlotsCountUp(), "the list must be in slot order, without a gap");
 static_assert(EveryPlaceIsTaken(), "two operations have the same place in the look-up");
 
 }  // namespace

@@ -8,7 +8,7 @@
 //
 // Prefixes of the fields: `ul` u32, `uc` u8, `b` u32 truth, `enum` u32 enumeration, `n` i32,
 // `sz` narrow UTF-8, `wsz` wide (4-byte units), both NUL-terminated inside their capacity,
-// `st` sub-record. A trailing comment gives the offset in bytes inside the record it stands in.
+// `st` sub-record. A trailing comment gives the offset in bytes inside the record of the field.
 //
 // A record is always constructed over zeroed memory (see plugin/zeroed.h): the constructors leave
 // some fields alone, and a plug-in must never see stale bytes there.
@@ -229,8 +229,8 @@ typedef struct STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING {
   // Prints nothing. Returns the value stored in ulProgStartBank.
   uint32_t LoadSetting();
 
-  // Writes the firmware list to the file wszSettingFilePath. Prints "Open file error " and a line
-  // end for each key when the file cannot be written.
+  // Writes the firmware list to the file wszSettingFilePath. Prints "Open file error " and a
+  // newline for each key when the file cannot be opened for writing.
   void SaveSetting();
 #endif
 } STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;

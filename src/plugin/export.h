@@ -65,7 +65,7 @@ void UnbindExports(Proxy& proxy, const ExportRow<Proxy> (&table)[kRows]) {
 }
 
 // Looks the table's symbols up in row order. Stops at the first required one that the library
-// lacks and returns false; dlerror() then tells which.
+// lacks and returns false; dlerror() then names it.
 template <typename Proxy, std::size_t kRows>
 bool BindExports(void* library, Proxy& proxy, const ExportRow<Proxy> (&table)[kRows]) {
   for (const ExportRow<Proxy>& row : table) {

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
 // What a plug-in author includes: the calls that the tool looks up in an ISP plug-in
-// ("PlugIn/libIsp.dylib" beside the executable) and in a signature plug-in
-// ("libSignVerify.dylib" beside the executable), and the records that they receive.
+// ("PlugIn/libIsp.dylib" next to the executable) and in a signature plug-in
+// ("libSignVerify.dylib" next to the executable), and the records that they receive.
 //
-// 1. Ownership: the tool owns every pointer that it passes; it is valid until the call returns.
-//    A plug-in keeps copies, and frees nothing. It may write into the command-setting record,
-//    of which the tool reads back only enumActionType.
+// 1. Ownership: the tool owns every pointer that it passes. Records, keys and texts are valid until
+//    the call returns; callbacks and a communication object are valid until the library is
+//    unloaded. A plug-in keeps copies, and frees nothing. It may write into the command-setting
+//    record, of which the tool reads back only enumActionType.
 // 2. Errors: an ISP call returns 0 for success, any other 32-bit code is printed in hexadecimal
 //    and its low 8 bits become the exit status. A signature call returns non-zero for success.
 // 3. Callbacks may each be null; they are called on the thread that called the plug-in.
@@ -31,7 +32,7 @@ typedef struct CZvComm CZvComm;
 typedef void (*ZvReturnProgress)(int percent);
 // A message for the operator; the text is NUL-terminated and only valid during the call.
 typedef void (*ZvShowMessage)(wchar_t* message);
-// The device behind a hub, or null when there is none.
+// The device that a hub is connected to, or null when there is none.
 typedef void* (*ZvGetHubDevice)(void);
 
 // ISP plug-in. The tool refuses a library that lacks one of the first six.

@@ -20,7 +20,7 @@ namespace {
 
 using Record = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
-// A scalar setting: where it stands in the file, and the field of the record that it fills.
+// A scalar setting: its place in the file, and the field of the record that it fills.
 struct SettingRow {
   const wchar_t* section;
   const wchar_t* key;
@@ -87,7 +87,7 @@ void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size) {
 
 void FillSettingFilePath(const std::string& setting_file,
                          wchar_t (&wszSettingFilePath)[kPathCapacity]) {
-  // The record goes to a plug-in whole: no tail of a longer path that stood here before.
+  // A plug-in receives the record whole, so nothing of a longer path from before may be left.
   std::fill(std::begin(wszSettingFilePath), std::end(wszSettingFilePath), L'\0');
   if (setting_file.empty()) {
     GetDefaultSettingFilePathName(wszSettingFilePath, kPathCapacity);

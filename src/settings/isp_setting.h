@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// The settings file, "IspSetting.ini" beside the executable unless another is named: where it is,
+// The settings file, "IspSetting.ini" next to the executable unless another is named: where it is,
 // and the firmware list that is written into it. The syntax is that of settings/profile.h; the
 // settings record's LoadSetting and SaveSetting (plugin/command_setting.h) are defined here, too.
 //
 // The scalar settings are only ever read and the firmware list is only ever written. The list's
-// keys stand in section "ISP_Fw": "fwFileCount", and for each number N "fwN_TargetBank",
+// keys are in section "ISP_Fw": "fwFileCount", and for each number N "fwN_TargetBank",
 // "fwN_FileBank" and "fwN_Path".
 #ifndef ZVISP_SETTINGS_ISP_SETTING_H_
 #define ZVISP_SETTINGS_ISP_SETTING_H_
@@ -15,7 +15,7 @@
 #include "base/zv_string.h"
 #include "plugin/command_setting.h"
 
-// Stores the full path of "IspSetting.ini" beside the executable; an empty text when it does not
+// Stores the full path of "IspSetting.ini" next to the executable; an empty text when it does not
 // fit `output_size` wide units with its terminating zero.
 void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size);
 
@@ -30,8 +30,8 @@ void FillSettingFilePath(const std::string& setting_file,
 std::string ReadFwPrefix(const wchar_t* settings);
 
 // Stores the number of 65536-byte banks that the file needs, a partial one counted whole. For a
-// file that cannot be read, or is none, prints "File open fail! %s\n" with the path, leaves the
-// count alone and returns false.
+// file that cannot be read, or is not an ordinary file, prints "File open fail! %s\n" with the
+// path, leaves the count alone and returns false.
 bool GetFwBankCount(CCpZvString path, unsigned int& banks);
 
 // Writes the firmware list of one file that fills its banks in order from `start_bank` on into the

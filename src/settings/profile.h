@@ -5,7 +5,7 @@
 //
 // The syntax, which has no comments and no quotes:
 //   - A section begins at a line that, blanks at both ends removed, is "[section]". Case counts.
-//   - A key line holds "=": its name stands before the first one, its value after the last one.
+//   - A key line holds "=": its name is before the first one, its value after the last one.
 //     "a=b=c" has the name "a" and the value "c".
 //   - Every line without "=" ends the section, an empty line included.
 //   - A line of 1024 characters or more, or one that the locale cannot read, ends the file: that
@@ -26,7 +26,7 @@ constexpr unsigned int kProfileValueCapacity = 1024;
 // The wide family: file names and contents in the encoding of the environment's locale.
 
 // Copies the value, blanks at both ends removed, whole and with its terminating zero into
-// `output`; `output_size` is not looked at. Returns the value's length in wide units.
+// `output`; `output_size` is not used. Returns the value's length in wide units.
 // Returns 0 when there is no value, prints nothing, and
 //   - copies the default when the file ends before the key or the section was found;
 //   - leaves `output` untouched when the file cannot be opened, or the section ends at a line
@@ -44,9 +44,10 @@ int CpZvGetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int de
 // Rewrites the file with the value; creates it when it is missing. Every line loses the blanks at
 // both ends. A new key goes before the first line without "=" of its section, else to the end of
 // the file; a new section goes to the end.
-//   - Names are compared as they stand before "=": "key = 1" is not the key "key" for the writer.
+//   - Names are compared with all that is before "=": "key = 1" is not the key "key" for the
+//   writer.
 //   - All but the last piece of a value stays: 5 written over "a=1=2" gives "a=1=5".
-// Returns 1, or 0 with the file unchanged: after printing "Open file error " and a line end when it
+// Returns 1, or 0 with the file unchanged: after printing "Open file error " and a newline when it
 // cannot be opened for writing, silently when the locale cannot write the texts given. A disk that
 // is full shows in neither.
 int CpZvWritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
@@ -76,13 +77,13 @@ std::wstring ReadProfileText(const wchar_t* section, const wchar_t* key, const w
 // The narrow family: bytes as they are. Header lines, and all lines that are written, go through
 // DeleteBlankA, which never returns once a line holds a blank: only for files without blanks.
 
-// As the wide one, but neither name nor value loses blanks, and "Error " with a line end is printed
+// As the wide one, but neither name nor value loses blanks, and "Error " with a newline is printed
 // when the file cannot be opened.
 unsigned int CpZvGetPrivateProfileStringA(const char* section, const char* key,
                                           const char* default_value, char* output,
                                           unsigned int output_size, const char* file_name);
 
-// As the wide one; prints "Error " and a line end when the file cannot be opened.
+// As the wide one; prints "Error " and a newline when the file cannot be opened.
 int CpZvGetPrivateProfileIntA(const char* section, const char* key, int default_value,
                               const char* file_name);
 

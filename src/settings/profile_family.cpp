@@ -13,7 +13,7 @@
 
 namespace {
 
-// What mbrtowc and wcrtomb return beside lengths.
+// What mbrtowc and wcrtomb return instead of lengths.
 constexpr auto kNoCharacter = static_cast<std::size_t>(-1);
 constexpr auto kIncomplete = static_cast<std::size_t>(-2);
 
@@ -45,7 +45,9 @@ ProfileInput WideFamily::Get(std::FILE* file, wchar_t& unit) {
   std::mbstate_t state = {};
   char byte = 0;
   ProfileInput input = NarrowFamily::Get(file, byte);
-  // What begins a character and is ASCII is that character, in the encoding of every locale.
+  // A shortcut for nearly every byte: where a character begins, an ASCII byte is that character in
+  // UTF-8, ISO 8859, EUC and GB 18030. A few old encodings differ, such as Shift_JIS with a yen
+  // sign at 0x5C; their bytes are read as ASCII, too.
   if (input == ProfileInput::kUnit && static_cast<unsigned char>(byte) < kFirstBeyondAscii) {
     unit = static_cast<wchar_t>(byte);
     return ProfileInput::kUnit;
@@ -79,8 +81,8 @@ long long WideFamily::ParseInt(const wchar_t* text) {
   return std::wcstoll(text, nullptr, 0);
 }
 
-// What cannot be read, a directory for one, is no text either. The file is not shared with another
-// thread, so it is not locked for each byte.
+// What cannot be read (a directory, for instance) counts as bad text. The file is not shared with
+// another thread, so it is not locked for each byte.
 ProfileInput NarrowFamily::Get(std::FILE* file, char& unit) {
   const int byte = getc_unlocked(file);
   if (byte == EOF) return std::ferror(file) != 0 ? ProfileInput::kBadText : ProfileInput::kEnd;

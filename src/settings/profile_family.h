@@ -9,7 +9,7 @@
 
 #include "base/environment_locale.h"
 
-// What stands next in a file: a unit of the family, the end, or bytes that are no text.
+// What comes next in a file: a unit of the family, the end, or bytes that are not text.
 enum class ProfileInput { kUnit, kEnd, kBadText };
 
 struct WideFamily {

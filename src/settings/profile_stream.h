@@ -34,7 +34,7 @@ class ProfileStream {
   // Whether something that was written did not reach the file.
   bool HasFailed() const { return std::ferror(m_file.get()) != 0; }
 
-  // Takes the next line, without its end, as it stands in the file. False at the end of the file,
+  // Takes the next line, without its newline, unchanged. False at the end of the file,
   // at a line that is too long and at text that cannot be decoded; the file is then of no more use.
   bool ReadLine(ProfileText<Family>& line) {
     line.clear();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What the end-to-end tests have in common: a tool installed beside a recording plug-in, and the
+// What the end-to-end tests have in common: a tool installed next to a recording plug-in, and the
 // three ways a run can be expected to end.
 #ifndef ZVISP_TESTS_SUPPORT_END_TO_END_H_
 #define ZVISP_TESTS_SUPPORT_END_TO_END_H_

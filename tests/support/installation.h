@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The tool as an operator has it: the executable in a directory of its own with the plug-ins that
-// a test puts beside it. Every test has its own installation, so what one breaks is its own.
+// a test puts next to it. Every test has its own installation, so what one breaks is its own.
 #ifndef ZVISP_TESTS_SUPPORT_INSTALLATION_H_
 #define ZVISP_TESTS_SUPPORT_INSTALLATION_H_
 
@@ -28,7 +28,7 @@ class Installation {
   // The executable alone. With a name, its directory is called so.
   explicit Installation(const std::string& directory_name = "bin");
 
-  // Puts a library beside the executable under the name that the tool asks for; replaces the one
+  // Puts a library next to the executable under the name that the tool asks for; replaces the one
   // that was there. The path is a library's, or a file's that only claims to be one.
   Installation& WithIspPlugin(const std::string& library);
   Installation& WithSignPlugin(const std::string& library);

@@ -17,7 +17,7 @@
 
 #include <gtest/gtest.h>
 
-// What a read gave: its result, and what then stood in the output buffer, which held "untouched".
+// What a read gave: its result, and what was then in the output buffer, which held "untouched".
 struct ProfileRead {
   unsigned int length;
   std::wstring output;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Runs a program the way a shell or a production script does, and tells all that came of it.
+// Runs a program the way a shell or a production script does, and reports all that came of it.
 #ifndef ZVISP_TESTS_SUPPORT_RUN_TOOL_H_
 #define ZVISP_TESTS_SUPPORT_RUN_TOOL_H_
 
@@ -47,7 +47,7 @@ class StartedRun {
   // Waits for the end. Call it once.
   RunResult Wait();
 
-  // Ends it with a signal; Wait() then tells how it ended.
+  // Ends it with a signal; Wait() then reports how it ended.
   void Kill(int signal) const;
 
  private:

@@ -1,8 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "app/banner.h"
 
-#include "support/printed.h"
+#include <unistd.h>
 
+#include <cstdio>
+#include <string>
+
+#include "support/files.h"
+#include "support/printed.h"
+#include "support/scratch_dir.h"
+#include "support/unprivileged.h"
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -41,6 +50,25 @@ TEST(Banner, TheResultIsSuccessOrACodeOrTheScalerType) {
   for (const auto& test : kCases) {
     EXPECT_EQ(Printed([&] { ShowResult(test.action, test.result); }), test.printed);
   }
+}
+
+// What is left of the prints of a process that crashes right after them.
+std::string LeftByACrash(void (*print)()) {
+  const ScratchDir directory;
+  const std::string path = directory / "output";
+  InChild([&] {
+    if (std::freopen(path.c_str(), "w", stdout) == nullptr) return 1;
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    print();
+    _exit(0);
+  });
+  return ReadWholeFile(path);
+}
+
+TEST(Banner, ACrashLeavesTheTerminalWithoutColour) {
+  EXPECT_THAT(LeftByACrash(ShowToolVersion), testing::EndsWith("\033[m"));
+  EXPECT_EQ(LeftByACrash([] { ShowResult(4, 0); }), "\033[32mSuccess\n\033[m");
+  EXPECT_EQ(LeftByACrash([] { ShowResult(4, 6); }), "\033[31mFail! Error Code: 0x6\n\033[m");
 }
 
 }  // namespace

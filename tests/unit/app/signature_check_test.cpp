@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The verification of a software signature before programming, and the device behind a hub.
+// The verification of a software signature before programming, and the device of a hub.
 #include <string>
 
 #include "unit/app/dispatcher_fixture.h"

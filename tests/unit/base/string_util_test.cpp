@@ -147,7 +147,7 @@ TEST(DeleteBlankA, ReturnsAtOnceWithoutABlank) {
   }
 }
 
-// The text that DeleteBlankA is working on; looked at by the alarm that ends it.
+// The text that DeleteBlankA is working on; read by the alarm that ends it.
 std::string g_blank_text;
 
 void ReportAndExit(int) {

@@ -111,7 +111,7 @@ std::string DecodeElsewhere(const ScratchDir& scratch, const EdidRow& row, const
   const std::string output = scratch / format;
   const std::string command =
       std::string("edid-decode -o ") + format + " " + input + " " + output + " >/dev/null 2>&1";
-  // Its status tells whether the display kept to the standards, which is of no matter here.
+  // Its status says whether the display follows the standards, which does not matter here.
   static_cast<void>(std::system(command.c_str()));
   return ReadWholeFile(output);
 }

@@ -286,7 +286,7 @@ TEST_F(DigitalSignArgsHandle, TheShortCheckLooksAtNoKeys) {
 }
 
 TEST_F(DigitalSignArgsHandle, CutsALongSignatureNameInsideItsBuffer) {
-  // 259 bytes of path fit beside the terminating zero; ".sig" goes over that.
+  // 259 bytes of path fit with the terminating zero; ".sig" goes over that.
   const std::string directory = m_directory / std::string(200, 'd');
   const std::string firmware =
       GivenFile(directory + "/" + std::string(259 - directory.size() - 1, 'f'), "");
