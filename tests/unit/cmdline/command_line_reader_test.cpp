@@ -86,6 +86,29 @@ TEST_F(CommandLineReaderTest, CollectsTheBitsOfEachKind) {
   EXPECT_EQ(m_args.ulReadWriteBits, 3u);
 }
 
+TEST_F(CommandLineReaderTest, KeepsAMergeCommandOnlyWhenMergeFwInfoIsTheOneActionSoFar) {
+  // clang-format off
+  const struct {
+    std::initializer_list<const char*> words;
+    const char* text;
+  } cases[] = {
+      {{"--mergefwinfo", "--write", "1.2"},                  "1.2"},
+      {{"--mergefwinfo", "--write", "1.2", "--write", "3"},  "3"},
+      {{"--mergefwinfo", "--write", "1.2", "--newboot"},     "1.2"},
+      {{"--mergefwinfo", "--write", "1.2", "--read"},        "1.2"},
+      {{"--mergefwinfo", "--write", "1.2", "--sw"},          ""},
+      {{"--write", "1.2", "--mergefwinfo"},                  ""},
+      {{"--write", "1.2"},                                   ""},
+      {{"--erase", "--write", "1.2"},                        ""},
+      {{"--erase", "--mergefwinfo", "--write", "1.2"},       ""},
+  };
+  // clang-format on
+  for (const auto& test : cases) {
+    EXPECT_TRUE(Read(test.words));
+    EXPECT_EQ(m_args.strMergeCommand, test.text) << *(test.words.begin() + 1);
+  }
+}
+
 TEST_F(CommandLineReaderTest, FillsTheSlotsWithoutAFile) {
   EXPECT_TRUE(Read({"--fw", "a.bin", "--bank", "7", "--fw9", "none.bin", "--bank9", "255"}));
   ASSERT_EQ(m_slots.size(), 2u);
