@@ -1,44 +1,64 @@
 # SPDX-License-Identifier: MIT
-# What lands where, and the packages. The plug-ins are found by the executable's real directory, so
-# executable and plug-ins share one folder, and a link to it stands in bin/.
+# What is installed where. Plug-ins are found by the executable's real directory, so each of the two
+# components has a directory of its own with an executable, and its command in bin/:
+#   tool        zvisp, without plug-ins: nothing of ours is called like a real plug-in there
+#   simulator   zvisp-simulator: the same executable with the simulated display and the signer
+# They are two components, and two packages, so that no installation of the tool can replace a
+# plug-in of a customer. What others install goes with the tool.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tool)
 set(home ${CMAKE_INSTALL_LIBEXECDIR}/zvisp)
+set(simulator_home ${CMAKE_INSTALL_LIBEXECDIR}/zvisp-simulator)
 set(staging ${CMAKE_BINARY_DIR}/packaging)
-set(universal ${PROJECT_SOURCE_DIR}/build/macos-universal)
-
-if(CMAKE_CROSSCOMPILING AND APPLE)
-  # scripts/build-macos.sh joins the slices there before it packs.
-  install(PROGRAMS ${universal}/zvisp DESTINATION ${home})
-  install(PROGRAMS ${universal}/PlugIn/libIsp.dylib DESTINATION ${home}/PlugIn)
-else()
-  install(TARGETS zvisp RUNTIME DESTINATION ${home})
-  if(TARGET isp_simulator)
-    install(TARGETS isp_simulator LIBRARY DESTINATION ${home}/PlugIn)
-  endif()
-  if(TARGET sign_reference)
-    install(TARGETS sign_reference LIBRARY DESTINATION ${home})
-  endif()
-endif()
-
-file(RELATIVE_PATH target /${CMAKE_INSTALL_BINDIR} /${home}/zvisp)
 file(MAKE_DIRECTORY ${staging})
-file(CREATE_LINK ${target} ${staging}/zvisp SYMBOLIC)
-install(FILES ${staging}/zvisp DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-# Debian's zsh looks for what packages bring in a folder of its own.
-set(zsh_functions site-functions)
-if(EXISTS /etc/debian_version AND NOT APPLE)
-  set(zsh_functions vendor-completions)
-endif()
+# zvisp_install(<component> <target> <directory> [<file of the universal build>])
+function(zvisp_install component target directory)
+  if(NOT TARGET ${target})
+    return()
+  elseif(CMAKE_CROSSCOMPILING AND APPLE)
+    # scripts/build-macos.sh joins the slices there before it packs.
+    install(PROGRAMS ${PROJECT_SOURCE_DIR}/build/macos-universal/${ARGV3}
+      DESTINATION ${directory} COMPONENT ${component})
+  else()
+    install(TARGETS ${target} COMPONENT ${component}
+      RUNTIME DESTINATION ${directory} LIBRARY DESTINATION ${directory})
+  endif()
+endfunction()
+
+# zvisp_install_link(<name>): a link in bin/ to an executable of the tool.
+function(zvisp_install_link name)
+  file(RELATIVE_PATH target /${CMAKE_INSTALL_BINDIR} /${home}/${name})
+  file(CREATE_LINK ${target} ${staging}/${name} SYMBOLIC)
+  install(FILES ${staging}/${name} DESTINATION ${CMAKE_INSTALL_BINDIR})
+endfunction()
+
+# --- The tool ------------------------------------------------------------------------------------
+
+zvisp_install(tool zvisp ${home} zvisp)
+zvisp_install_link(zvisp)
+install(FILES packaging/plugin-directory.txt DESTINATION ${home}/PlugIn RENAME README)
 install(FILES docs/zvisp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp RENAME copyright)
+if(TARGET zvisp-line)
+  zvisp_install(tool zvisp-line ${home} zvisp-line)
+  zvisp_install_link(zvisp-line)
+  install(FILES docs/zvisp-line.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL)
+endif()
+
+# The shells look in these directories under /usr/local and under /usr, with two exceptions: zsh of
+# Debian expects what packages bring in a directory of its own, and fish leaves out /usr/local
+# (cmake/InstallSummary.cmake.in says what to add). They serve zvisp-simulator as well.
 install(FILES completions/zvisp.bash RENAME zvisp
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES completions/_zvisp DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_functions})
-install(FILES completions/zvisp.fish
+install(FILES completions/zvisp.bash RENAME zvisp-simulator
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES completions/zvisp.fish completions/zvisp-simulator.fish
   DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+configure_file(cmake/InstallZsh.cmake.in ${staging}/InstallZsh.cmake @ONLY)
+install(SCRIPT ${staging}/InstallZsh.cmake)
 
 # For authors of plug-ins: the headers, and a package that find_package(zvisp) finds.
 add_library(zvisp_plugin_api INTERFACE)
@@ -59,19 +79,18 @@ write_basic_package_version_file(${staging}/zvispConfigVersion.cmake
   COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
 install(FILES ${staging}/zvispConfigVersion.cmake DESTINATION ${CMAKE_INSTALL_DATADIR}/cmake/zvisp)
 
-set(CPACK_PACKAGE_VENDOR "The zvisp developers")
-set(CPACK_PACKAGE_CONTACT "The zvisp developers <zvisp@localhost>")
-set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
-set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
-if(CMAKE_CROSSCOMPILING AND APPLE)
-  set(CPACK_GENERATOR TGZ)
-  set(CPACK_PACKAGE_FILE_NAME zvisp-${PROJECT_VERSION}-macos-universal)
-else()
-  set(CPACK_GENERATOR DEB)
-  set(CPACK_STRIP_FILES ON)
-  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-  set(CPACK_DEBIAN_PACKAGE_SECTION electronics)
-  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# --- The simulator -------------------------------------------------------------------------------
+
+if(ZVISP_BUILD_SIMULATOR)
+  set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME simulator)
+  zvisp_install(simulator zvisp ${simulator_home} zvisp)
+  zvisp_install(simulator isp_simulator ${simulator_home}/PlugIn PlugIn/libIsp.dylib)
+  zvisp_install(simulator sign_reference ${simulator_home} libSignVerify.dylib)
+  file(RELATIVE_PATH zvisp_simulator_from_bin /${CMAKE_INSTALL_BINDIR} /${simulator_home})
+  configure_file(packaging/zvisp-simulator.in ${staging}/zvisp-simulator @ONLY)
+  install(PROGRAMS ${staging}/zvisp-simulator DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(FILES docs/zvisp-simulator.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp-simulator RENAME copyright)
+  install(FILES simulator/README.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp-simulator)
+  set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tool)
 endif()
-include(CPack)

@@ -51,4 +51,4 @@ _zvisp() {
   COMPREPLY=($(compgen -W "$actions $switches $files $values" -- "$current"))
 }
 
-complete -F _zvisp zvisp
+complete -F _zvisp zvisp zvisp-simulator

@@ -1,9 +1,9 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
 # Builds both macOS slices, strips them, joins them to universal binaries in
-# build/macos-universal/, and packs them. The reference signer is left out: it needs OpenSSL's
-# libcrypto, which does not come with Zig's macOS headers. On a Mac with OpenSSL the ordinary build
-# makes it.
+# build/macos-universal/, and packs zvisp and zvisp-simulator. The reference signer is left out: it
+# needs OpenSSL's libcrypto, which does not come with Zig's macOS headers. On a Mac with OpenSSL the
+# ordinary build makes it.
 set -eu
 
 cd "$(dirname "$0")/.."
@@ -23,7 +23,7 @@ for slice in arm64 x86_64; do
 done
 
 rm -rf "$out"
-for file in zvisp PlugIn/libIsp.dylib libSignVerify.dylib; do
+for file in zvisp zvisp-line PlugIn/libIsp.dylib libSignVerify.dylib; do
   [ -e "build/macos-arm64/bin/$file" ] || continue
   mkdir -p "$(dirname "$out/$file")"
   for slice in arm64 x86_64; do
@@ -37,4 +37,4 @@ done
 rm -rf build/macos-arm64/packages
 cmake --build --preset macos-arm64 --target package >/dev/null
 echo "universal binaries: $out"
-echo "package: $(echo build/macos-arm64/packages/*.tar.gz)"
+echo "packages: $(echo build/macos-arm64/packages/*.tar.gz)"

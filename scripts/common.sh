@@ -41,3 +41,27 @@ configure() {
 succeeded() {
   [ "$1" -eq 0 ] && cmp -s <(tail -c 16 "$2") <(printf '\033[32mSuccess\n\033[m')
 }
+
+# clean_root DIRECTORY LOG [PACKAGE...]: makes a minimal system of this machine's release, from the
+# mirror that this machine uses, with the packages added. Needs debootstrap and the rights of root.
+clean_root() {
+  local directory=$1 log=$2 release mirror included
+  shift 2
+  # shellcheck source=/dev/null
+  release=$(. /etc/os-release && echo "$VERSION_CODENAME")
+  # shellcheck disable=SC2016  # the word is apt's to expand
+  mirror=$(apt-get indextargets --format '$(REPO_URI)' "Release: $release" \
+    "Identifier: Packages" | head -n 1)
+  included=$(IFS=,; echo "$*")
+  debootstrap --variant=minbase ${included:+--include="$included"} "$release" "$directory" \
+    "$mirror" >"$log" 2>&1 || { tail -n 20 "$log" >&2; return 1; }
+  # A process finds its own place under /proc.
+  mount -t proc proc "$directory/proc"
+}
+
+# remove_root DIRECTORY: takes such a system away again; an error leaves its files, never others'.
+remove_root() {
+  if mountpoint -q "$1/proc"; then umount "$1/proc"; fi
+  if mountpoint -q "$1/dev/shm"; then umount "$1/dev/shm"; fi
+  rm -rf --one-file-system "$1"
+}

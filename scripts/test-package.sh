@@ -1,52 +1,60 @@
-#!/bin/sh
+#!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Makes the Debian package, installs it into a clean root of this release, and programs the
-# simulated display there. The clean root needs debootstrap and the rights of root.
+# Makes the Debian packages, holds them to lintian, and tries them with dpkg in a clean root.
 #
 #   scripts/test-package.sh [BUILD-DIRECTORY]     without it, build/release is built
-set -eu
-
+#
+# In the clean root, real plug-ins have to survive what dpkg does, both packages have to work and
+# to leave nothing. That part needs debootstrap and the rights of root.
+set -euo pipefail
 cd "$(dirname "$0")/.."
+# shellcheck source=scripts/common.sh
+. scripts/common.sh
+
 build=${1:-build/release}
 if [ $# -eq 0 ]; then
-  cmake --preset release -DZVISP_BUILD_TESTS=OFF
-  cmake --build --preset release -j "${JOBS:-2}"
+  configure "$build" -DCMAKE_BUILD_TYPE=Release -DZVISP_BUILD_TESTS=OFF
+  cmake --build "$build" --parallel "$(processors)"
 fi
 rm -rf "$build/packages"
 cmake --build "$build" --target package >/dev/null
-package=$(echo "$build"/packages/*.deb)
-echo "package: $package, $(wc -c <"$package") bytes"
+packages=("$build"/packages/*.deb)
+for package in "${packages[@]}"; do echo "package: $package, $(wc -c <"$package") bytes"; done
 
-if [ "$(id -u)" -ne 0 ]; then
-  echo "skipped: a clean root to install the package in needs the rights of root"
-  exit 0
+if command -v lintian >/dev/null; then
+  lintian --fail-on error,warning --allow-root "${packages[@]}"
+  echo "lintian: no error and no warning that is not explained in packaging/debian/"
+else
+  echo "skipped: lintian is not installed"
+  [ -z "${CI:-}" ] || exit 1
 fi
 
-# The mirror and release that this machine itself uses.
-# shellcheck source=/dev/null
-release=$(. /etc/os-release && echo "$VERSION_CODENAME")
-# shellcheck disable=SC2016  # the word is apt's to expand
-mirror=$(apt-get indextargets --format '$(REPO_URI)' "Release: $release" "Identifier: Packages" |
-  head -n 1)
-# What the package asks for, by name: the versions are dpkg's to judge.
-needs=$(dpkg-deb -f "$package" Depends | sed 's/([^)]*)//g; s/|[^,]*//g; s/ //g')
-
+if [ "$(id -u)" -ne 0 ]; then
+  echo "skipped: a clean root to install the packages in needs the rights of root"
+  exit 0
+fi
+# What the packages ask for, by name: the versions are dpkg's to judge.
+needs=$(for package in "${packages[@]}"; do
+  dpkg-deb -f "$package" Depends | sed 's/([^)]*)//g; s/|[^,]*//g; s/ //g' | tr ',' '\n'
+done | sort -u)
 root=$(mktemp -d)
-mounted=
-tidy() {
-  [ -z "$mounted" ] || umount "$root/proc"
-  rm -rf --one-file-system "$root"
-}
-trap tidy EXIT
-log=$build/debootstrap.log
-debootstrap --variant=minbase --include="$needs" "$release" "$root" "$mirror" >"$log" 2>&1 ||
-  { tail -n 20 "$log"; exit 1; }
-cp "$package" "$root/zvisp.deb"
-cp tests/package/steps.sh "$root/steps.sh"
-chroot "$root" dpkg -i /zvisp.deb >/dev/null
-# A process finds its own place under /proc.
-mount -t proc proc "$root/proc" && mounted=yes
-chroot "$root" sh /steps.sh zvisp
-chroot "$root" dpkg -r zvisp >/dev/null
-[ ! -e "$root/usr/bin/zvisp" ] || { echo "the package left its link behind"; exit 1; }
-echo "the package works in a clean $release and leaves nothing behind"
+trap 'remove_root "$root"' EXIT
+# shellcheck disable=SC2086  # the names are words
+quietly "Making a clean root" clean_root "$root" "$build/debootstrap.log" $needs
+mkdir "$root/packages" "$root/steps"
+cp "${packages[@]}" "$root/packages/"
+cp tests/package/*.sh "$root/steps/"
+
+echo "What dpkg does to real plug-ins:"
+chroot "$root" sh /steps/dpkg_test.sh /packages
+chroot "$root" sh -c 'dpkg -i /packages/*.deb' >/dev/null
+chroot "$root" sh /steps/simulator_test.sh /usr/bin/zvisp-simulator
+[ -z "$(find "$root/usr/libexec" -name 'display*')" ] ||
+  { echo "a display was made in the installation"; exit 1; }
+chroot "$root" sh -c 'zvisp --resetmcu --comm 1' >"$root/said" || true
+grep -q 'Error Code: 0xD67' "$root/said" ||
+  { echo "the tool without a plug-in said:"; cat "$root/said"; exit 1; }
+chroot "$root" dpkg --purge zvisp zvisp-simulator >/dev/null
+left=$(find "$root/usr" -name '*zvisp*')
+[ -z "$left" ] || { echo "the packages left: $left"; exit 1; }
+echo "both packages work in a clean root and leave nothing"

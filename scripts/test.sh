@@ -58,7 +58,8 @@ targets() {
       if grep -qE -e "$selection" <<<"$name"; then printf '%s\n' "${rest[@]}"; fi
     # A program of tests with parameters is always built: sources do not give their whole names.
     elif grep -qE '(TYPED_TEST|TEST_P|INSTANTIATE_TEST_SUITE_P)\(' "${rest[@]}" ||
-        { names_in "${rest[@]}"; echo "${name}_NOT_BUILT"; } | grep -E -e "$selection" >/dev/null; then
+        { names_in "${rest[@]}"; echo "${name}_NOT_BUILT"; } |
+          grep -E -e "$selection" >/dev/null; then
       echo "$name"
     fi
   done <build/test-targets.txt | sort -u
@@ -71,7 +72,9 @@ skipped() {
     /^Output:$/ { reading = 1; next }
     /^<end of output>$/ { reading = 0 }
     reading && !/^-+$/ && !/^(\[|Note:|Running main|$)/ && !/: Skipped$/ { reason = $0 }
-    /^Skip (regular expression|return code)/ { print "  " name ": " (reason == "" ? "no reason given" : reason) }
+    /^Skip (regular expression|return code)/ {
+      print "  " name ": " (reason == "" ? "no reason given" : reason)
+    }
   ' build/Testing/Temporary/LastTest.log
 }
 

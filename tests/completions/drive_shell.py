@@ -29,6 +29,7 @@ CASES = (
     ("zvisp --bank pan", "zvisp --bank pan"),
     ("zvisp --slave pan", "zvisp --slave pan"),
     ("zvisp --edpmode pan", "zvisp --edpmode pan"),
+    ("zvisp-simulator --getsc", "zvisp-simulator --getscalertype "),
 )
 
 # Each shell prints its line between angle brackets when it receives Ctrl-G.
@@ -46,7 +47,7 @@ SETUP = {
     "fish": (
         ["fish", "--no-config", "-i"],
         "function fish_greeting; end; bind \\cg 'printf \"<%s>\" (commandline | string collect)'\n"
-        "source {dir}/zvisp.fish\n"),
+        "source {dir}/zvisp.fish; source {dir}/zvisp-simulator.fish\n"),
 }
 
 
