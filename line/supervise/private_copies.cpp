@@ -196,7 +196,7 @@ std::string PrivateCopies::CopyOf(const std::string& source, std::string& error)
             std::to_string(kLongestName) + " bytes.";
     return "";
   }
-  const std::string directory = PathFor(std::to_string(m_copies.size()));
+  const std::string directory = PathFor(std::to_string(m_next_directory++));
   if (mkdir(directory.c_str(), 0700) != 0) {
     error = Because("Cannot make", directory, "make room in /tmp.");
     return "";

@@ -42,6 +42,7 @@ class PrivateCopies {
 
   std::string m_directory;
   int m_lock;
+  unsigned m_next_directory = 0;
   std::map<std::string, std::string> m_copies;  // by source
 };
 

@@ -34,6 +34,7 @@ const Misbehaviour kMisbehaviours[] = {
   // name                 outcome    state         code          signal  status
   {"crash",               "crashed", "uncertain",  "null",       "11",   5},
   {"abort",               "crashed", "uncertain",  "null",       "6",    5},
+  {"kill",                "crashed", "uncertain",  "null",       "9",    5},
   {"throw",               "crashed", "uncertain",  "null",       "6",    5},
   {"exit",                "crashed", "uncertain",  "null",       "-",    5},
   {"exit-at-once",        "crashed", "uncertain",  "null",       "-",    5},

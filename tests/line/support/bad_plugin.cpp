@@ -9,6 +9,7 @@
 
 #include <clocale>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -33,6 +34,10 @@ int Crash(Setting*) {
 
 int Abort(Setting*) {
   std::abort();
+}
+
+int Kill(Setting*) {
+  return raise(SIGKILL);
 }
 
 int Throw(Setting*) {
@@ -175,6 +180,7 @@ struct Row {
 constexpr Row kRows[] = {
   {"crash",                Crash},
   {"abort",                Abort},
+  {"kill",                 Kill},
   {"throw",                Throw},
   {"hang",                 Hang},
   {"hang-without-signals", HangWithoutSignals},
@@ -214,8 +220,19 @@ ZVISP_PLUGIN_EXPORT int RecordFWVersion(Setting*) {
   return 0;
 }
 
-ZVISP_PLUGIN_EXPORT int DumpFlash(Setting*) {
-  return 0;
+// Nothing was ever programmed: the flash is erased.
+ZVISP_PLUGIN_EXPORT int DumpFlash(Setting* setting) {
+  const std::wstring wide = setting->stDumpFlash.wszDumpFile;
+  std::string path;
+  for (const wchar_t character : wide) {
+    path += static_cast<char>(character);
+  }
+  std::FILE* const file = std::fopen(path.c_str(), "wb");
+  if (file == nullptr) return 98;
+  for (std::uint32_t i = 0; i < setting->stDumpFlash.ulDumpLen; ++i) {
+    std::fputc(0xFF, file);
+  }
+  return std::fclose(file);
 }
 
 ZVISP_PLUGIN_EXPORT int GetKeyFromFlash(Setting*, unsigned char*) {
