@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -20,9 +21,10 @@ class BankMap : public EndToEnd {
   // Writes entry i of the map and counts it.
   static RecordBytes& PutBank(RecordBytes& record, std::uint32_t target_bank,
                               std::uint32_t file_bank, const std::string& path) {
-    const std::uint32_t i = record.U32(72);
-    record.PutU32(72, i + 1).PutU32(76 + 4 * i, target_bank);
-    return record.PutU32(1104 + 1056 * i + 8, file_bank).PutWide(1104 + 1056 * i + 12, path);
+    const std::uint32_t i = record.U32(setting_at::ulCount);
+    record.PutU32(setting_at::ulCount, i + 1).PutU32(setting_at::ulTargetBank + 4 * i, target_bank);
+    return record.PutU32(setting_at::stBank + 1056 * i + 8, file_bank)
+        .PutWide(setting_at::stBank + 1056 * i + 12, path);
   }
 
   // The line that refuses a file.
@@ -52,7 +54,7 @@ TEST_F(BankMap, SizesAreRoundedUpToWholeBanks) {
   for (const auto& row : kCases) {
     GivenSparseFile(m_tool / "a.bin", row.bytes);
     ExpectSuccess({"--isp", "--fw", "a.bin"});
-    EXPECT_EQ(m_tool.TakeRecord().U32(72), row.banks) << row.bytes;
+    EXPECT_EQ(m_tool.TakeRecord().U32(setting_at::ulCount), row.banks) << row.bytes;
   }
 }
 
@@ -104,9 +106,10 @@ TEST_F(BankMap, FirmwareOfARecordedVersionIsMappedOnlyForTheFileLocations) {
     words.push_back(location);
     return words;
   };
-  ExpectRecord(with("--fwbin"), RecordBytes(record).PutU32(12, 4));
-  ExpectRecord(with("--fwbincmd"), RecordBytes(record).PutU32(12, 6));
-  ExpectRecord(with("--reg"), Plain(8).PutU32(12, 1));
+  ExpectRecord(with("--fwbin"), RecordBytes(record).PutU32(setting_at::enumVersionLocationType, 4));
+  ExpectRecord(with("--fwbincmd"),
+               RecordBytes(record).PutU32(setting_at::enumVersionLocationType, 6));
+  ExpectRecord(with("--reg"), Plain(8).PutU32(setting_at::enumVersionLocationType, 1));
 }
 
 TEST_F(BankMap, ActionsThatProgramNothingDoNotLookAtTheFiles) {
@@ -176,9 +179,9 @@ TEST_F(BankMap, NeighboursDoNotCollide) {
   ExpectSuccess({"--isp", "--fw", "a.bin", "--bank", "3", "--fw1", "b.bin", "--fw2", "b.bin",
                  "--bank2", "5"});
   const RecordBytes record = m_tool.TakeRecord();
-  EXPECT_EQ(record.U32(72), 8u);
+  EXPECT_EQ(record.U32(setting_at::ulCount), 8u);
   for (std::uint32_t i = 0; i < 8; ++i)
-    EXPECT_EQ(record.U32(76 + 4 * i), i);
+    EXPECT_EQ(record.U32(setting_at::ulTargetBank + 4 * i), i);
 }
 
 TEST_F(BankMap, AFileThatCannotBeOpenedIsNamedInFull) {

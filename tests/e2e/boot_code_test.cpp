@@ -2,6 +2,7 @@
 //
 // Factory programming of the boot code in front of the action itself.
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -20,22 +21,22 @@ class BootCode : public EndToEnd {
   // A record as it is constructed, before any judgement: the boot code's communication settings.
   RecordBytes Constructed() const {
     return PlainCommandSetting(4, m_tool.ToolDir())
-        .PutU32(32, 0xFFFFFFFF)
-        .PutU8(36, 0x94)
-        .PutU32(56, 0)
-        .Fill(274008, 1040, 0);
+        .PutU32(setting_at::bAutoSlaveAddr, 0xFFFFFFFF)
+        .PutU8(setting_at::ucSlaveAddr, 0x94)
+        .PutU32(setting_at::enumIspMode, 0)
+        .Fill(setting_at::wszSettingFilePath, 1040, 0);
   }
 
   // The main action's record.
   RecordBytes Main(const std::string& boot) const {
     return PlainCommandSetting(4, m_tool.ToolDir())
-        .PutU32(4, 2)
-        .PutU32(24, 3)
-        .PutU32(52, 1)
-        .PutU32(56, 2)
-        .PutU32(72, 1)
-        .PutWide(1116, m_tool / "a.bin")
-        .PutNarrow(275048, boot);
+        .PutU32(setting_at::enumDigitalSignatureType, 2)
+        .PutU32(setting_at::enumCommID, 3)
+        .PutU32(setting_at::enumBootCodeType, 1)
+        .PutU32(setting_at::enumIspMode, 2)
+        .PutU32(setting_at::ulCount, 1)
+        .PutWide(setting_at::wszPath, m_tool / "a.bin")
+        .PutNarrow(setting_at::szBootFwPath, boot);
   }
 
   static Words Line(const std::string& boot) {
@@ -51,12 +52,13 @@ TEST_F(BootCode, IsProgrammedFirstWithDefaultCommunicationSettings) {
   EXPECT_EQ(calls[0].line, kCallbacks);
   EXPECT_EQ(calls[1].line, "IspFlash");
   const std::string boot_path = m_tool.ToolDir() + "boot.bin";
-  EXPECT_TRUE(SameBytes(RecordBytes(calls[1].record), Constructed()
-                                                          .PutU32(72, 2)
-                                                          .PutU32(80, 1)
-                                                          .PutWide(1116, boot_path)
-                                                          .PutU32(2168, 1)
-                                                          .PutWide(2172, boot_path)));
+  EXPECT_TRUE(SameBytes(RecordBytes(calls[1].record),
+                        Constructed()
+                            .PutU32(setting_at::ulCount, 2)
+                            .PutU32(setting_at::ulTargetBank + 4, 1)
+                            .PutWide(setting_at::wszPath, boot_path)
+                            .PutU32(setting_at::ulFileBank + setting_at::kEntryBytes, 1)
+                            .PutWide(setting_at::wszPath + setting_at::kEntryBytes, boot_path)));
   EXPECT_EQ(calls[2].line, "IspFlash");
   EXPECT_TRUE(SameBytes(RecordBytes(calls[2].record), Main("boot.bin")));
 }

@@ -3,6 +3,7 @@
 // The scanning of a command line: its diagnostics on standard error, what standard output says of
 // them, and that a run goes on where it should.
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -79,7 +80,7 @@ TEST_F(CommandLine, MistakesAreToldAndTheRunGoesOn) {
     EXPECT_EQ(run.err, row.err);
     EXPECT_EQ(run.out, row.out + kBanner + kSuccess);
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(m_tool.TakeRecord().U32(0), 15u);
+    EXPECT_EQ(m_tool.TakeRecord().U32(setting_at::enumActionType), 15u);
   }
 }
 
@@ -107,13 +108,13 @@ TEST_F(CommandLine, ALineWithNothingButMistakesIsRefused) {
 TEST_F(CommandLine, OptionsMayStandBehindOtherWords) {
   const RunResult run = m_tool.Run({"first", "--resetmcu", "second", "--comm", "9", "third"});
   EXPECT_EQ(run.out, "non-option ARGV-elements: first second third \n"s + kBanner + kSuccess);
-  EXPECT_EQ(m_tool.TakeRecord().U32(24), 9u);
+  EXPECT_EQ(m_tool.TakeRecord().U32(setting_at::enumCommID), 9u);
 }
 
 TEST_F(CommandLine, WordsBehindTwoDashesAreNoOptions) {
   const RunResult run = m_tool.Run({"a", "--resetmcu", "--", "--comm", "9"});
   EXPECT_EQ(run.out, "non-option ARGV-elements: a --comm 9 \n"s + kBanner + kSuccess);
-  EXPECT_EQ(m_tool.TakeRecord().U32(24), 0u);
+  EXPECT_EQ(m_tool.TakeRecord().U32(setting_at::enumCommID), 0u);
 }
 
 TEST_F(CommandLine, AnArgumentMayLookLikeAnOption) {
@@ -125,16 +126,17 @@ TEST_F(CommandLine, AFurtherEqualsSignBelongsToTheValue) {
 }
 
 TEST_F(CommandLine, UniqueAbbreviationsAreTaken) {
-  ExpectRecord(
-      {"--resetm", "--compa", "--slav=0x20"},
-      PlainCommandSetting(15, m_tool.ToolDir()).PutU32(32, 0).PutU8(36, 0x20).PutU32(44, 1));
+  ExpectRecord({"--resetm", "--compa", "--slav=0x20"}, PlainCommandSetting(15, m_tool.ToolDir())
+                                                           .PutU32(setting_at::bAutoSlaveAddr, 0)
+                                                           .PutU8(setting_at::ucSlaveAddr, 0x20)
+                                                           .PutU32(setting_at::bCompareVer, 1));
   ExpectRun({"--getsc"}, kBanner + ScalerTypeLine("0"), 0);
 }
 
 TEST_F(CommandLine, AnExactNameIsNoAbbreviationOfALongerOne) {
   GivenFirmware(m_tool / "a.bin", 1);
   ExpectSuccess({"--isp", "--fw", "a.bin", "--bank", "2"});
-  EXPECT_EQ(m_tool.TakeRecord().U32(0), 4u);
+  EXPECT_EQ(m_tool.TakeRecord().U32(setting_at::enumActionType), 4u);
 }
 
 TEST_F(CommandLine, AnUnknownEdpModeIsRefusedWithoutALineEnd) {
@@ -169,13 +171,13 @@ TEST_F(CommandLine, AnAutomaticSearchTakesTheBinFileOfTheWorkingDirectory) {
   GivenFirmware(m_tool / "only.bin", 65537);
   ExpectRecord({"--isp", "--searchfw", "auto", "--bank", "4"},
                PlainCommandSetting(4, m_tool.ToolDir())
-                   .PutU32(40, 1)
-                   .PutU32(72, 2)
-                   .PutU32(76, 4)
-                   .PutU32(80, 5)
-                   .PutWide(1116, m_tool / "only.bin")
-                   .PutU32(2168, 1)
-                   .PutWide(2172, m_tool / "only.bin"));
+                   .PutU32(setting_at::bSearchFw, 1)
+                   .PutU32(setting_at::ulCount, 2)
+                   .PutU32(setting_at::ulTargetBank, 4)
+                   .PutU32(setting_at::ulTargetBank + 4, 5)
+                   .PutWide(setting_at::wszPath, m_tool / "only.bin")
+                   .PutU32(setting_at::ulFileBank + setting_at::kEntryBytes, 1)
+                   .PutWide(setting_at::wszPath + setting_at::kEntryBytes, m_tool / "only.bin"));
 }
 
 }  // namespace

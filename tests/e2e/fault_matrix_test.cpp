@@ -10,6 +10,7 @@
 #include <map>
 
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -271,9 +272,10 @@ class Start : public FaultMatrix {
     EXPECT_EQ(run.out, kBanner + std::string(kSuccess));
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(run.status, 0);
-    EXPECT_TRUE(SameBytes(
-        m_tool.TakeRecord(),
-        PlainCommandSetting(4, m_tool.ToolDir()).PutU32(72, 1).PutWide(1116, m_tool / "a.bin")));
+    EXPECT_TRUE(
+        SameBytes(m_tool.TakeRecord(), PlainCommandSetting(4, m_tool.ToolDir())
+                                           .PutU32(setting_at::ulCount, 1)
+                                           .PutWide(setting_at::wszPath, m_tool / "a.bin")));
   }
 };
 
@@ -366,10 +368,10 @@ TEST(StartInALocale, AToolWithAnAsciiPathWorksOnFilesOfAnyName) {
     const RunResult run = RunCommand(command);
     EXPECT_EQ(run.out, kBanner + std::string(kSuccess)) << row.what;
     EXPECT_EQ(run.status, 0) << row.what;
-    EXPECT_TRUE(
-        SameBytes(tool.TakeRecord(), PlainCommandSetting(4, tool.ToolDir())
-                                         .PutU32(72, 1)
-                                         .PutWide(1116, tool / "f\u00FCr \u4E2D\U0001F4BE.bin")))
+    EXPECT_TRUE(SameBytes(tool.TakeRecord(), PlainCommandSetting(4, tool.ToolDir())
+                                                 .PutU32(setting_at::ulCount, 1)
+                                                 .PutWide(setting_at::wszPath,
+                                                          tool / "f\u00FCr \u4E2D\U0001F4BE.bin")))
         << row.what;
   }
 }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -124,13 +125,17 @@ TEST_F(Record, MergeInformationNeverReachesAPluginBecauseItsCallIsNeverBound) {
 
 // --write sets the direction for every action; its bytes are taken with --mergefwinfo alone.
 TEST_F(Record, WriteWithAnotherActionSetsTheDirectionAndNoBytes) {
-  ExpectRecord({"--resetmcu", "--write", "1.2"}, Plain(15).PutU32(20, 1));
+  ExpectRecord({"--resetmcu", "--write", "1.2"},
+               Plain(15).PutU32(setting_at::enumMergeFwInfoType, 1));
 }
 
 TEST_F(Record, DumpParametersReachTheirFields) {
   ExpectRecord(
       {"--dumpflash", "--dumpaddr", "0x12345678", "--dumplen", "65536", "--dumpname", "flash.bin"},
-      Plain(16).PutU32(272696, 0x12345678).PutU32(272700, 65536).PutWide(272704, "flash.bin"));
+      Plain(16)
+          .PutU32(setting_at::ulDumpAddr, 0x12345678)
+          .PutU32(setting_at::ulDumpLen, 65536)
+          .PutWide(setting_at::wszDumpFile, "flash.bin"));
 }
 
 TEST_F(Record, ADumpNameIsKeptOnlyWhenItEndsInBinAndHasFiveCharacters) {
@@ -148,15 +153,18 @@ TEST_F(Record, ADumpNameIsKeptOnlyWhenItEndsInBinAndHasFiveCharacters) {
   };
   // clang-format on
   for (const auto& row : kCases) {
-    ExpectRecord({"--dumpflash", "--dumpaddr", "0", "--dumplen", "1", "--dumpname", row.given},
-                 Plain(16).PutU32(272700, 1).PutWide(272704, row.kept));
+    ExpectRecord(
+        {"--dumpflash", "--dumpaddr", "0", "--dumplen", "1", "--dumpname", row.given},
+        Plain(16).PutU32(setting_at::ulDumpLen, 1).PutWide(setting_at::wszDumpFile, row.kept));
   }
 }
 
 TEST_F(Record, ADumpNameIsCutSoThatItsTerminatorFits) {
   const std::string name = std::string(300, 'd') + ".bin";
   ExpectRecord({"--dumpflash", "--dumpaddr", "0", "--dumplen", "1", "--dumpname", name},
-               Plain(16).PutU32(272700, 1).PutWide(272704, std::string(259, 'd')));
+               Plain(16)
+                   .PutU32(setting_at::ulDumpLen, 1)
+                   .PutWide(setting_at::wszDumpFile, std::string(259, 'd')));
 }
 
 class UserFlag : public Record {
@@ -165,7 +173,9 @@ class UserFlag : public Record {
 
   // The record of --ispuser with the one bank of a.bin.
   RecordBytes Plain() const {
-    return Record::Plain(5).PutU32(72, 1).PutWide(1116, m_tool / "a.bin");
+    return Record::Plain(5)
+        .PutU32(setting_at::ulCount, 1)
+        .PutWide(setting_at::wszPath, m_tool / "a.bin");
   }
   static Words Line(Words flag) {
     flag.insert(flag.begin(), {"--ispuser", "--fw", "a.bin"});
@@ -176,12 +186,12 @@ class UserFlag : public Record {
 TEST_F(UserFlag, AddressAndDataReachTheirFields) {
   ExpectRecord(Line({"--flagaddr", "0x20", "--flagdata", "0,1,0xFE,,010"}),
                Plain()
-                   .PutU32(271440, 4)
-                   .PutU8(271444, 0)
-                   .PutU8(271445, 1)
-                   .PutU8(271446, 0xFE)
-                   .PutU8(271447, 8)
-                   .PutU32(272664, 0x20));
+                   .PutU32(setting_at::ulFlagLength, 4)
+                   .PutU8(setting_at::ucFlagData, 0)
+                   .PutU8(setting_at::ucFlagData + 1, 1)
+                   .PutU8(setting_at::ucFlagData + 2, 0xFE)
+                   .PutU8(setting_at::ucFlagData + 3, 8)
+                   .PutU32(setting_at::ulFlagAddr, 0x20));
 }
 
 TEST_F(UserFlag, WithoutAnAddressTheDataIsNotLookedAt) {
@@ -189,7 +199,7 @@ TEST_F(UserFlag, WithoutAnAddressTheDataIsNotLookedAt) {
 }
 
 TEST_F(UserFlag, AnAddressWithoutDataGivesNoBytes) {
-  ExpectRecord(Line({"--flagaddr", "7"}), Plain().PutU32(272664, 7));
+  ExpectRecord(Line({"--flagaddr", "7"}), Plain().PutU32(setting_at::ulFlagAddr, 7));
 }
 
 TEST_F(UserFlag, TheLengthKeepsItsLowEightBits) {
@@ -197,7 +207,10 @@ TEST_F(UserFlag, TheLengthKeepsItsLowEightBits) {
   for (int i = 1; i < 300; ++i)
     data += ",1";
   ExpectRecord(Line({"--flagaddr", "7", "--flagdata", data}),
-               Plain().PutU32(271440, 44).Fill(271444, 300, 1).PutU32(272664, 7));
+               Plain()
+                   .PutU32(setting_at::ulFlagLength, 44)
+                   .Fill(setting_at::ucFlagData, 300, 1)
+                   .PutU32(setting_at::ulFlagAddr, 7));
 }
 
 TEST_F(UserFlag, BytesThatDoNotFitAreLeftOutAndNothingBehindThemIsTouched) {
@@ -205,31 +218,40 @@ TEST_F(UserFlag, BytesThatDoNotFitAreLeftOutAndNothingBehindThemIsTouched) {
   for (int i = 1; i < 1300; ++i)
     data += ",1";
   ExpectRecord(Line({"--flagaddr", "7", "--flagdata", data}),
-               Plain().PutU32(271440, 20).Fill(271444, 1220, 1).PutU32(272664, 7));
+               Plain()
+                   .PutU32(setting_at::ulFlagLength, 20)
+                   .Fill(setting_at::ucFlagData, 1220, 1)
+                   .PutU32(setting_at::ulFlagAddr, 7));
 }
 
 TEST_F(Record, TheSettingFileIsResolvedAgainstTheToolsDirectory) {
   GivenFile(m_tool.ToolDir() + "line/a.ini", "");
   ExpectRecord({"--resetmcu", "--settingfile", "line/../line/a.ini"},
                RecordBytes(Plain(15))
-                   .Fill(274008, 1040, 0)
-                   .PutWide(274008, m_tool.ToolDir() + "line/a.ini"));
+                   .Fill(setting_at::wszSettingFilePath, 1040, 0)
+                   .PutWide(setting_at::wszSettingFilePath, m_tool.ToolDir() + "line/a.ini"));
 }
 
 TEST_F(Record, AnAbsoluteSettingFileIsKeptAsItIs) {
   ExpectRecord({"--resetmcu", "--settingfile", "/nowhere/../a.ini"},
-               Plain(15).Fill(274008, 1040, 0).PutWide(274008, "/nowhere/../a.ini"));
+               Plain(15)
+                   .Fill(setting_at::wszSettingFilePath, 1040, 0)
+                   .PutWide(setting_at::wszSettingFilePath, "/nowhere/../a.ini"));
 }
 
 TEST_F(Record, ASettingFilePathIsCutSoThatItsTerminatorFits) {
   const std::string path = "/" + std::string(400, 's');
   ExpectRecord({"--resetmcu", "--settingfile", path},
-               Plain(15).PutWide(274008, path.substr(0, 259)).PutU32(275044, 0));
+               Plain(15)
+                   .PutWide(setting_at::wszSettingFilePath, path.substr(0, 259))
+                   .PutU32(setting_at::wszSettingFilePath + 4 * 259, 0));
 }
 
 TEST_F(Record, ASecondShorterSettingFileLeavesNoTailOfTheFirst) {
   ExpectRecord({"--resetmcu", "--settingfile", "/first/and/long.ini", "--settingfile", "/b.ini"},
-               Plain(15).Fill(274008, 1040, 0).PutWide(274008, "/b.ini"));
+               Plain(15)
+                   .Fill(setting_at::wszSettingFilePath, 1040, 0)
+                   .PutWide(setting_at::wszSettingFilePath, "/b.ini"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 //
 // The signature plug-in's place in a run: signing, verifying, and the check before programming.
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -28,24 +29,24 @@ class SignatureCheck : public EndToEnd {
 
   // The 1840-byte record of a request on a.bin.
   RecordBytes SignArgs(std::uint32_t action, std::uint32_t mode) const {
-    return RecordBytes(std::size_t{1840})
-        .PutU32(0, action)
-        .PutU32(4, 1)
-        .PutU32(8, mode)
-        .PutNarrow(20, m_tool / "a.bin")
-        .PutNarrow(280, m_tool / "a.sig");
+    return RecordBytes(sign_at::kRecordBytes)
+        .PutU32(sign_at::enumActionType, action)
+        .PutU32(sign_at::enumSignatureType, 1)
+        .PutU32(sign_at::enumSwMode, mode)
+        .PutNarrow(sign_at::szFwFile, m_tool / "a.bin")
+        .PutNarrow(sign_at::szSignatureFile, m_tool / "a.sig");
   }
 
   // The command-setting record of --isp on the two banks of a.bin with a software signature.
   RecordBytes SignedSetting(std::uint32_t mode) const {
     return PlainCommandSetting(4, m_tool.ToolDir())
-        .PutU32(4, 1)
-        .PutU32(8, mode)
-        .PutU32(72, 2)
-        .PutU32(80, 1)
-        .PutWide(1116, m_tool / "a.bin")
-        .PutU32(2168, 1)
-        .PutWide(2172, m_tool / "a.bin");
+        .PutU32(setting_at::enumDigitalSignatureType, 1)
+        .PutU32(setting_at::enumSWDigitalSignatureMode, mode)
+        .PutU32(setting_at::ulCount, 2)
+        .PutU32(setting_at::ulTargetBank + 4, 1)
+        .PutWide(setting_at::wszPath, m_tool / "a.bin")
+        .PutU32(setting_at::ulFileBank + setting_at::kEntryBytes, 1)
+        .PutWide(setting_at::wszPath + setting_at::kEntryBytes, m_tool / "a.bin");
   }
 
   const Words m_signed_isp = {"--isp", "--sw",  "--dsmode",   "2",
@@ -59,9 +60,11 @@ TEST_F(SignatureCheck, SigningHandsTheWholeRecordToTheSignaturePluginAlone) {
   const std::vector<Call> calls = m_tool.TakeCalls();
   ASSERT_EQ(calls.size(), 1u);
   EXPECT_EQ(calls[0].line, "SignFwExport");
-  EXPECT_TRUE(SameBytes(
-      RecordBytes(calls[0].record),
-      SignArgs(1, 2).PutU32(16, 3).PutNarrow(280, m_tool / "a.bin.sig").PutNarrow(540, "0x3")));
+  EXPECT_TRUE(SameBytes(RecordBytes(calls[0].record),
+                        SignArgs(1, 2)
+                            .PutU32(sign_at::nKeyPairIndex, 3)
+                            .PutNarrow(sign_at::szSignatureFile, m_tool / "a.bin.sig")
+                            .PutNarrow(sign_at::szKeyPair, "0x3")));
 }
 
 TEST_F(SignatureCheck, VerifyingHandsTheWholeRecordToTheSignaturePluginAlone) {
@@ -70,8 +73,8 @@ TEST_F(SignatureCheck, VerifyingHandsTheWholeRecordToTheSignaturePluginAlone) {
   const std::vector<Call> calls = m_tool.TakeCalls();
   ASSERT_EQ(calls.size(), 1u);
   EXPECT_EQ(calls[0].line, "VerifySignatureExport null");
-  EXPECT_TRUE(
-      SameBytes(RecordBytes(calls[0].record), SignArgs(2, 3).PutNarrow(800, m_tool / "key")));
+  EXPECT_TRUE(SameBytes(RecordBytes(calls[0].record),
+                        SignArgs(2, 3).PutNarrow(sign_at::szVerifyKeyFile, m_tool / "key")));
 }
 
 TEST_F(SignatureCheck, AFailedSigningAndAFailedVerificationHaveTheirCodes) {
@@ -98,7 +101,7 @@ TEST_F(SignatureCheck, AnyAnswerButZeroOfTheSignaturePluginIsSuccess) {
 // Without a signature type the files are not judged; the plug-in gets an empty request.
 TEST_F(SignatureCheck, SigningWithoutATypeHandsOverAnEmptyRequest) {
   ExpectSuccess({"--sign"});
-  EXPECT_TRUE(SameBytes(m_tool.TakeRecord(), RecordBytes(std::size_t{1840})));
+  EXPECT_TRUE(SameBytes(m_tool.TakeRecord(), RecordBytes(sign_at::kRecordBytes)));
 }
 
 TEST_F(SignatureCheck, SignedFirmwareIsVerifiedBeforeItIsProgrammed) {
@@ -147,7 +150,10 @@ TEST_F(SignatureCheck, TheDevicesKeyIsReadIntoAZeroedBufferAndHandedOn) {
 // The map is emptied, but only its first entry loses bank and path: plug-ins know it so.
 TEST_F(SignatureCheck, TheKeyIsReadWithACopyOfTheRecordWhoseMapIsEmpty) {
   m_tool.Run(m_key_on_device);
-  const RecordBytes expected = SignedSetting(4).PutU32(72, 0).PutU32(80, 0).Fill(1104, 1056, 0);
+  const RecordBytes expected = SignedSetting(4)
+                                   .PutU32(setting_at::ulCount, 0)
+                                   .PutU32(setting_at::ulTargetBank + 4, 0)
+                                   .Fill(setting_at::stBank, 1056, 0);
   EXPECT_TRUE(SameBytes(RecordBytes(m_tool.TakeCalls().at(1).record), expected));
 }
 
@@ -176,9 +182,9 @@ TEST_F(SignatureCheck, AHardwareSignatureReachesTheRecordWithoutASoftwareMode) {
   GivenFirmware(m_tool / "one.bin", 1);
   ExpectRecord({"--isp", "--hw", "--dsmode", "2", "--fw", "one.bin"},
                PlainCommandSetting(4, m_tool.ToolDir())
-                   .PutU32(4, 2)
-                   .PutU32(72, 1)
-                   .PutWide(1116, m_tool / "one.bin"));
+                   .PutU32(setting_at::enumDigitalSignatureType, 2)
+                   .PutU32(setting_at::ulCount, 1)
+                   .PutWide(setting_at::wszPath, m_tool / "one.bin"));
 }
 
 TEST_F(SignatureCheck, TheSignaturePluginStaysLoadedUntilTheProcessEnds) {

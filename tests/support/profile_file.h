@@ -13,6 +13,7 @@
 #include "base/transform.h"
 #include "settings/profile.h"
 #include "support/files.h"
+#include "support/printed.h"
 #include "support/scratch_dir.h"
 
 #include <gtest/gtest.h>
@@ -29,14 +30,6 @@ struct ProfileRead {
 
 inline void PrintTo(const ProfileRead& read, std::ostream* stream) {
   *stream << read.length << " \"" << CCpTransform().ConvertUnicodeStringToUTF8(read.output) << '"';
-}
-
-// Runs the work and gives what it wrote to standard output.
-template <typename Work>
-std::string OutputOf(Work work) {
-  testing::internal::CaptureStdout();
-  work();
-  return testing::internal::GetCapturedStdout();
 }
 
 // The file, in a directory of its own. The environment's locale is "C.UTF-8" from here on.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "support/record_bytes.h"
+#include "support/record_offsets.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -118,14 +119,15 @@ testing::AssertionResult SameBytes(const std::string& actual, const std::string&
 }
 
 RecordBytes PlainCommandSetting(std::uint32_t action, const std::string& tool_directory) {
-  return RecordBytes(std::size_t{275328})
-      .PutU32(0, action)                                    // enumActionType
-      .PutU32(32, 1)                                        // bAutoSlaveAddr
-      .PutU32(56, 1)                                        // enumIspMode
-      .Fill(271444, 1220, 0xFF)                             // stFlagSetting.ucFlagData
-      .PutU8(273744, 0xFF)                                  // stI2CWriteAction.ucSlave
-      .PutU8(273745, 0xFF)                                  // stI2CWriteAction.ucSubAddr
-      .PutU8(273746, 1)                                     // stI2CWriteAction.ucDataLen
-      .Fill(273747, 256, 0xFF)                              // stI2CWriteAction.ucData
-      .PutWide(274008, tool_directory + "IspSetting.ini");  // wszSettingFilePath
+  return RecordBytes(setting_at::kRecordBytes)
+      .PutU32(setting_at::enumActionType, action)  // enumActionType
+      .PutU32(setting_at::bAutoSlaveAddr, 1)       // bAutoSlaveAddr
+      .PutU32(setting_at::enumIspMode, 1)          // enumIspMode
+      .Fill(setting_at::ucFlagData, 1220, 0xFF)    // stFlagSetting.ucFlagData
+      .PutU8(setting_at::ucSlave, 0xFF)            // stI2CWriteAction.ucSlave
+      .PutU8(setting_at::ucSubAddr, 0xFF)          // stI2CWriteAction.ucSubAddr
+      .PutU8(setting_at::ucDataLen, 1)             // stI2CWriteAction.ucDataLen
+      .Fill(setting_at::ucData, 256, 0xFF)         // stI2CWriteAction.ucData
+      .PutWide(setting_at::wszSettingFilePath,
+               tool_directory + "IspSetting.ini");  // wszSettingFilePath
 }

@@ -5,6 +5,7 @@
 // LACKS_<Name> leaves a required call out, LACKS_OPTIONAL the optional ones; WITH_NEVER_BOUND adds
 // those that the tool must not look up.
 #include "plugin/zvisp_plugin.h"
+#include "support/record_offsets.h"
 #include "support/recording_plugin.h"
 
 namespace {
@@ -12,12 +13,13 @@ namespace {
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
 // What the tool has to hand over, by the layout that plug-ins are built against.
-constexpr std::size_t kRecordBytes = 275328;
 [[maybe_unused]] constexpr std::size_t kKeyBytes = 1220;
 
 [[maybe_unused]] int Record(const char* name, Setting* setting) {
   RecordedCall call(name);
-  return call.Keep("record", setting, kRecordBytes).Overwrite(setting, kRecordBytes).Answer(0);
+  return call.Keep("record", setting, setting_at::kRecordBytes)
+      .Overwrite(setting, setting_at::kRecordBytes)
+      .Answer(0);
 }
 
 [[maybe_unused]] const char* NullOrSet(bool is_null) {
@@ -48,7 +50,7 @@ int RecordFWVersion(Setting* setting) {
 // Answers with a key whose bytes count up, so that a test can follow it.
 int GetKeyFromFlash(Setting* setting, unsigned char* key) {
   RecordedCall call("GetKeyFromFlash", NullOrSet(key == nullptr));
-  call.Keep("record", setting, kRecordBytes).Keep("key", key, kKeyBytes);
+  call.Keep("record", setting, setting_at::kRecordBytes).Keep("key", key, kKeyBytes);
   for (std::size_t i = 0; i < kKeyBytes; ++i)
     key[i] = static_cast<unsigned char>(i);
   return call.Answer(0);

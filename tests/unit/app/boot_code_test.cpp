@@ -6,6 +6,7 @@
 #include <string>
 
 #include "base/path.h"
+#include "support/record_offsets.h"
 #include "unit/app/dispatcher_fixture.h"
 
 #include <gmock/gmock.h>
@@ -47,14 +48,14 @@ class BootCode : public DispatcherTest {
 
   // What a record holds that nobody but its constructor and the action wrote.
   static RecordBytes DefaultRecord() {
-    return RecordBytes(std::size_t{275328})
-        .PutU32(0, 4)
-        .PutU32(32, 0xFFFFFFFF)
-        .PutU8(36, 0x94)
-        .Fill(271444, 1220, 0xFF)
-        .Fill(273744, 2, 0xFF)
-        .PutU8(273746, 1)
-        .Fill(273747, 256, 0xFF);
+    return RecordBytes(setting_at::kRecordBytes)
+        .PutU32(setting_at::enumActionType, 4)
+        .PutU32(setting_at::bAutoSlaveAddr, 0xFFFFFFFF)
+        .PutU8(setting_at::ucSlaveAddr, 0x94)
+        .Fill(setting_at::ucFlagData, 1220, 0xFF)
+        .Fill(setting_at::ucSlave, 2, 0xFF)
+        .PutU8(setting_at::ucDataLen, 1)
+        .Fill(setting_at::ucData, 256, 0xFF);
   }
 };
 
@@ -62,15 +63,16 @@ TEST_F(BootCode, IsProgrammedBeforeTheActionWithARecordOfItsOwn) {
   EXPECT_EQ(Execute(), 0u);
   EXPECT_EQ(m_out, "");
   EXPECT_THAT(Calls(), ElementsAre(kCallbacks, "IspFlash", "IspFlash"));
-  const RecordBytes expected = DefaultRecord()
-                                   .PutU32(72, 2)
-                                   .PutU32(80, 1)
-                                   .PutWide(1116, m_scratch / "boot.bin")
-                                   .PutU32(2168, 1)
-                                   .PutWide(2172, m_scratch / "boot.bin");
+  const RecordBytes expected =
+      DefaultRecord()
+          .PutU32(setting_at::ulCount, 2)
+          .PutU32(setting_at::ulTargetBank + 4, 1)
+          .PutWide(setting_at::wszPath, m_scratch / "boot.bin")
+          .PutU32(setting_at::ulFileBank + setting_at::kEntryBytes, 1)
+          .PutWide(setting_at::wszPath + setting_at::kEntryBytes, m_scratch / "boot.bin");
   EXPECT_TRUE(SameBytes(Record(1), expected));
-  EXPECT_EQ(Record(2).U32(0), 5u);
-  EXPECT_EQ(Record(2).U32(24), 6u);
+  EXPECT_EQ(Record(2).U32(setting_at::enumActionType), 5u);
+  EXPECT_EQ(Record(2).U32(setting_at::enumCommID), 6u);
   EXPECT_FALSE(IsLoaded(IspPluginPath()));
 }
 
@@ -83,8 +85,8 @@ TEST_F(BootCode, IsLookedUpFromTheExecutablesDirectory) {
   EXPECT_EQ(Execute(), 0u);
   std::filesystem::current_path(before);
   EXPECT_EQ(m_out, "");
-  EXPECT_EQ(Record(1).U32(72), (std::filesystem::file_size(path) + 65535) / 65536);
-  EXPECT_EQ(Record(1).Wide(1116), path);
+  EXPECT_EQ(Record(1).U32(setting_at::ulCount), (std::filesystem::file_size(path) + 65535) / 65536);
+  EXPECT_EQ(Record(1).Wide(setting_at::wszPath), path);
 }
 
 TEST_F(BootCode, NeedsTheNewBootCodeAndTheFactoryModeAndAPath) {
@@ -108,7 +110,7 @@ TEST_F(BootCode, IsProgrammedBeforeEveryActionOnADevice) {
   EXPECT_THAT(Calls(), ElementsAre(kCallbacks, "IspFlash"));
 }
 
-TEST_F(BootCode, ThatIsMissingIsToldAndHandedOverAsAnEmptyMap) {
+TEST_F(BootCode, ThatIsMissingIsReportedAndHandedOverAsAnEmptyMap) {
   GivenBoot("/nowhere/boot.bin");
   EXPECT_EQ(Execute(), 0u);
   EXPECT_EQ(m_out, "File open fail! /nowhere/boot.bin\n");
@@ -125,7 +127,7 @@ TEST_F(BootCode, ThatFailsEndsTheRun) {
   EXPECT_TRUE(IsLoaded(IspPluginPath())) << "a run that ends early leaves it loaded";
 }
 
-TEST_F(BootCode, AsksForTheDeviceBehindAHubAfterwards) {
+TEST_F(BootCode, AsksForTheDeviceOfAHubAfterwards) {
   int new_device = 0;
   GivenHub(&new_device);
   EXPECT_EQ(Execute(), 0u);
@@ -133,7 +135,7 @@ TEST_F(BootCode, AsksForTheDeviceBehindAHubAfterwards) {
   EXPECT_EQ(Calls().size(), 3u);
 }
 
-TEST_F(BootCode, NoDeviceBehindTheHubIs11021) {
+TEST_F(BootCode, NoDeviceOfTheHubIs11021) {
   GivenHub(nullptr);
   EXPECT_EQ(Execute(), 11021u);
   EXPECT_EQ(g_hub_calls, 1);

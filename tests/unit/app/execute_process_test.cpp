@@ -6,6 +6,7 @@
 
 #include <string>
 
+#include "support/record_offsets.h"
 #include "unit/app/dispatcher_fixture.h"
 
 #include <gmock/gmock.h>
@@ -36,7 +37,7 @@ TEST_F(ExecuteProcessOf, AnActionIsTheOneCallThatBelongsToIt) {
     ForgetCalls();
     EXPECT_EQ(Execute(test.action), 0u) << test.action;
     EXPECT_THAT(Calls(), ElementsAre(kCallbacks, test.call)) << test.action;
-    EXPECT_EQ(Record(1).U32(0), test.action);
+    EXPECT_EQ(Record(1).U32(setting_at::enumActionType), test.action);
     EXPECT_EQ(m_out, "");
   }
 }
@@ -119,7 +120,7 @@ TEST_F(ExecuteProcessOf, SigningCallsTheSignaturePlugInAlone) {
   m_sign_args->nKeyPairIndex = 4;
   EXPECT_EQ(Execute(2), 0u);
   EXPECT_THAT(Calls(), ElementsAre("SignFwExport"));
-  EXPECT_EQ(Record(0).U32(16), 4u);
+  EXPECT_EQ(Record(0).U32(sign_at::nKeyPairIndex), 4u);
   EXPECT_EQ(m_out, "");
   GivenAnswer("SignFwExport", "0");
   EXPECT_EQ(Execute(2), 16386u);

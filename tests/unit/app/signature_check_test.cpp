@@ -3,6 +3,7 @@
 // The verification of a software signature before programming, and the device of a hub.
 #include <string>
 
+#include "support/record_offsets.h"
 #include "unit/app/dispatcher_fixture.h"
 
 #include <gmock/gmock.h>
@@ -41,7 +42,7 @@ TEST_F(SignatureCheck, VerifiesBeforeProgramming) {
     GivenSoftwareSignature(mode);
     EXPECT_EQ(Execute(), 0u);
     EXPECT_THAT(Calls(), ElementsAre(kCallbacks, "VerifySignatureExport null", "IspFlash"));
-    EXPECT_EQ(Record(1).U32(8), mode);
+    EXPECT_EQ(Record(1).U32(setting_at::enumSWDigitalSignatureMode), mode);
     EXPECT_EQ(m_out, "");
     EXPECT_FALSE(IsLoaded(IspPluginPath()));
   }
@@ -102,11 +103,11 @@ TEST_F(SignatureCheck, ReadsTheDevicesKeyWithACopyWithoutFirmware) {
   m_setting->stMapFw.ulCount = 2;
   m_setting->stMapFw.ulTargetBank[255] = 9;
   EXPECT_EQ(Execute(), 0u);
-  EXPECT_EQ(Record(1).U32(24), 3u);
-  EXPECT_EQ(Record(1).U32(72), 0u);
-  EXPECT_EQ(Record(1).U32(76 + 4 * 255), 0u);
-  EXPECT_EQ(Record(3).U32(72), 2u) << "what is programmed keeps its firmware";
-  EXPECT_EQ(Record(3).U32(76 + 4 * 255), 9u);
+  EXPECT_EQ(Record(1).U32(setting_at::enumCommID), 3u);
+  EXPECT_EQ(Record(1).U32(setting_at::ulCount), 0u);
+  EXPECT_EQ(Record(1).U32(setting_at::ulTargetBank + 4 * 255), 0u);
+  EXPECT_EQ(Record(3).U32(setting_at::ulCount), 2u) << "what is programmed keeps its firmware";
+  EXPECT_EQ(Record(3).U32(setting_at::ulTargetBank + 4 * 255), 9u);
 }
 
 TEST_F(SignatureCheck, EndsWithTheCodeOfTheKeysReading) {
@@ -125,7 +126,7 @@ TEST_F(SignatureCheck, EndsWhenTheDevicesKeyDoesNotFit) {
   EXPECT_THAT(Calls(), ElementsAre(kCallbacks, "GetKeyFromFlash set", "VerifySignatureExport set"));
 }
 
-TEST_F(SignatureCheck, AsksForTheDeviceBehindAHubAfterwards) {
+TEST_F(SignatureCheck, AsksForTheDeviceOfAHubAfterwards) {
   int old_device = 0;
   int new_device = 0;
   const struct {
@@ -147,7 +148,7 @@ TEST_F(SignatureCheck, AsksForTheDeviceBehindAHubAfterwards) {
   EXPECT_EQ(g_hub_calls, 0);
 }
 
-TEST_F(SignatureCheck, NoDeviceBehindTheHubIs11021) {
+TEST_F(SignatureCheck, NoDeviceOfTheHubIs11021) {
   int device = 0;
   for (const std::uint32_t mode : {2u, 4u}) {
     ForgetCalls();

@@ -124,7 +124,7 @@ TEST(IsAbsolutePath, TakesEverythingElseForRelative) {
   }
 }
 
-TEST(GetFileFullPath, ResolvesARelativePathBehindTheBase) {
+TEST(GetFileFullPath, ResolvesARelativePathAfterTheBase) {
   const ScratchDir scratch;
   GivenFile(scratch / "fw.bin", "x");
   EXPECT_EQ(GetFileFullPath("fw.bin", scratch / ""), scratch / "fw.bin");
@@ -137,7 +137,7 @@ TEST(GetFileFullPath, LeavesAnAbsolutePathUntouched) {
   EXPECT_EQ(GetFileFullPath("C:\\fw.bin", "/opt/t/"), "C:\\fw.bin");
 }
 
-TEST(GetFileFullPath, PutsNoSeparatorBehindTheBase) {
+TEST(GetFileFullPath, PutsNoSeparatorAfterTheBase) {
   const ScratchDir scratch;
   GivenFile(scratch / "basefw.bin", "x");
   EXPECT_EQ(GetFileFullPath("fw.bin", scratch / "base"), scratch / "basefw.bin");

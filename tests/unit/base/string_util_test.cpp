@@ -207,7 +207,7 @@ TEST(CopyUtf8ToBuffer, NeverCutsInsideACharacter) {
   }
 }
 
-TEST(CopyUtf8ToBuffer, DoesNotLookBehindTheText) {
+TEST(CopyUtf8ToBuffer, DoesNotReadPastTheText) {
   char buffer[8];
   CopyUtf8ToBuffer(std::string_view("ab\x80", 2), buffer, sizeof buffer);
   EXPECT_STREQ(buffer, "ab");

@@ -60,7 +60,7 @@ TEST(EDIDToBin, RefusesMoreBytesThanTheOutputHolds) {
   EXPECT_THAT(EdidBytes(L"0", 0), IsEmpty());
 }
 
-TEST(EDIDToBin, PassesOverWhatIsNoValue) {
+TEST(EDIDToBin, SkipsWhatIsNotAValue) {
   EXPECT_THAT(EdidBytes(L"const unsigned char edid[] = {\n  0x01, /* one */ 0xFF,\n};\n"),
               ElementsAre(0x01, 0xFF));
   EXPECT_THAT(EdidBytes(L"1; 2, x, 0xFE"), ElementsAre(2, 0xFE))

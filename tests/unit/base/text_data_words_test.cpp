@@ -42,7 +42,7 @@ Taken TakeValue(const std::wstring& text, unsigned int& value,
   return {result, position};
 }
 
-TEST(GetNextWord, TellsKindsAndMovesBehindTheToken) {
+TEST(GetNextWord, GivesTheKindAndMovesPastTheToken) {
   const struct {
     const wchar_t* text;
     Taken expected;
@@ -58,7 +58,7 @@ TEST(GetNextWord, TellsKindsAndMovesBehindTheToken) {
   }
 }
 
-TEST(GetNextWord, GoesOnFromThePositionGiven) {
+TEST(GetNextWord, ContinuesFromThePositionGiven) {
   EXPECT_EQ(TakeWord(L"one two", 3), (Taken{1, 7}));
   EXPECT_EQ(TakeWord(L"one", 3), (Taken{0, 3}));
   EXPECT_EQ(TakeWord(L"one", 8), (Taken{0, 8}));
@@ -190,7 +190,7 @@ TEST(FindNextBytes, TakesNamesLongerThanAnyBuffer) {
   EXPECT_EQ(value, 7u);
 }
 
-TEST(GetDefineValue, ReadsTheWordBehindTheName) {
+TEST(GetDefineValue, ReadsTheWordAfterTheName) {
   const struct {
     const wchar_t *name, *definitions;
     unsigned int value;
@@ -212,7 +212,7 @@ TEST(GetDefineValue, ReadsTheWordBehindTheName) {
   }
 }
 
-TEST(GetDefineValue, RefusesWhateverIsNoValue) {
+TEST(GetDefineValue, RefusesWhateverIsNotAValue) {
   for (const wchar_t* const definitions :
        {L"", L"#define OTHER 1", L"NAME", L"NAME ", L"NAME\n5", L"NAME OTHER", L"NAME 1F",
         L"NAME 08", L"NAME (5)", L"NAME -5", L"NAME /* c */ 5", L"NAME, 5", L"/* NAME 5",
@@ -223,7 +223,7 @@ TEST(GetDefineValue, RefusesWhateverIsNoValue) {
   }
 }
 
-TEST(GetDefineValue, FindsNoNameThatIsNoWord) {
+TEST(GetDefineValue, FindsNoNameThatIsNotAWord) {
   unsigned int value = kUntouched;
   EXPECT_EQ(GetDefineValue(L"", L"NAME 5", &value), 0);
   EXPECT_EQ(GetDefineValue(L"#", L"# 5", &value), 0);

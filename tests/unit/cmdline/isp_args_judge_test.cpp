@@ -7,6 +7,7 @@
 #include "base/path.h"
 #include "cmdline/isp_args_parse.h"
 #include "support/command_line_fixture.h"
+#include "support/record_offsets.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +55,7 @@ class IspArgsJudge : public CommandLineTest {
     args.strSettingFile = text;
     EXPECT_EQ(Judge(args), 1);
     EXPECT_EQ(Setting().Wide(kSettingFilePath), path);
-    EXPECT_EQ(Setting().U32(275044), 0u) << "the last unit";
+    EXPECT_EQ(Setting().U32(setting_at::wszSettingFilePath + 4 * 259), 0u) << "the last unit";
   }
 };
 
@@ -132,7 +133,7 @@ TEST_F(IspArgsJudge, AHardwareModeHasItsOwnRangeAndField) {
   EXPECT_EQ(SignArgs().U32(kSwMode), 0u);
   EXPECT_EQ(SignArgs().U32(kSignType), 2u);
   EXPECT_EQ(SignArgs().U32(kSignAction), 0u) << "a hardware signature is not verified here";
-  EXPECT_EQ(Setting().U32(4), 2u);
+  EXPECT_EQ(Setting().U32(setting_at::enumDigitalSignatureType), 2u);
   EXPECT_EQ(m_out, "");
 }
 
@@ -148,8 +149,8 @@ TEST_F(IspArgsJudge, SigningReturnsTheVerdictAndJudgesNothingElse) {
   EXPECT_EQ(SignArgs().U32(kSwMode), 2u);
   EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin");
   EXPECT_EQ(SignArgs().Narrow(kSignatureFile), m_scratch / "a.bin.sig");
-  EXPECT_EQ(Setting().U32(8), 2u);
-  EXPECT_EQ(Setting().I32(32), -1) << "the slave address is not judged";
+  EXPECT_EQ(Setting().U32(setting_at::enumSWDigitalSignatureMode), 2u);
+  EXPECT_EQ(Setting().I32(setting_at::bAutoSlaveAddr), -1) << "the slave address is not judged";
   EXPECT_EQ(Setting().Wide(kSettingFilePath), "");
 }
 
@@ -172,7 +173,7 @@ TEST_F(IspArgsJudge, VerifyingReturnsTheVerdict) {
   args.strKeyPair = "4";
   EXPECT_EQ(Judge(args), 1);
   EXPECT_EQ(SignArgs().Narrow(kSignatureFile), m_scratch / "a.sig");
-  EXPECT_EQ(SignArgs().U32(16), 4u);
+  EXPECT_EQ(SignArgs().U32(sign_at::nKeyPairIndex), 4u);
 }
 
 TEST_F(IspArgsJudge, SigningWithoutATypeIsJudgedLikeEveryOtherAction) {
@@ -199,7 +200,7 @@ TEST_F(IspArgsJudge, ProgrammingWithTheKeyOnTheDeviceLeavesTheVerdictToThePlugIn
   EXPECT_EQ(m_out, "Digital signature: Signature file is missing!\n");
   EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
   EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin") << "resolved before the refusal";
-  EXPECT_EQ(Setting().U32(8), 4u);
+  EXPECT_EQ(Setting().U32(setting_at::enumSWDigitalSignatureMode), 4u);
 }
 
 TEST_F(IspArgsJudge, ProgrammingInFactoryModeSkipsTheVerdict) {
@@ -235,7 +236,7 @@ TEST_F(IspArgsJudge, AnOverlongSignatureTextIsCutBeforeABrokenCharacter) {
   args.strKeyPair = std::string(258, 'k') + "\u00e4";
   EXPECT_EQ(Judge(args), 1);
   EXPECT_EQ(SignArgs().Narrow(kSignatureFile), std::string(259, 's'));
-  EXPECT_EQ(SignArgs().Narrow(540), std::string(258, 'k'));
+  EXPECT_EQ(SignArgs().Narrow(sign_at::szKeyPair), std::string(258, 'k'));
 }
 
 TEST_F(IspArgsJudge, TheBootCodeIsTakenOnlyWithASignatureType) {

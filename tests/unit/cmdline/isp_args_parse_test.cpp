@@ -6,6 +6,7 @@
 
 #include "base/path.h"
 #include "support/command_line_fixture.h"
+#include "support/record_offsets.h"
 
 #include <gtest/gtest.h>
 
@@ -44,7 +45,7 @@ TEST_F(IspArgsParse, AnActionAloneGivesTheRecordOfThatAction) {
     GivenFreshParser();
     EXPECT_EQ(Parse({test.option}), 1) << test.option;
     EXPECT_TRUE(SameBytes(Setting(), PlainCommandSetting(test.action, directory))) << test.option;
-    EXPECT_TRUE(SameBytes(SignArgs(), RecordBytes(std::size_t{1840}))) << test.option;
+    EXPECT_TRUE(SameBytes(SignArgs(), RecordBytes(sign_at::kRecordBytes))) << test.option;
     EXPECT_EQ(m_out + m_err, "") << test.option;
   }
 }
@@ -83,31 +84,31 @@ TEST_F(IspArgsParse, SwitchesReachTheirFields) {
 TEST_F(IspArgsParse, TextsReachTheirFields) {
   EXPECT_EQ(Parse({"--dumpflash", "--dumpaddr", "0x100", "--dumplen", "32", "--dumpname", "a.bin"}),
             1);
-  EXPECT_EQ(Setting().U32(272696), 0x100u);
-  EXPECT_EQ(Setting().U32(272700), 32u);
-  EXPECT_EQ(Setting().Wide(272704), "a.bin");
+  EXPECT_EQ(Setting().U32(setting_at::ulDumpAddr), 0x100u);
+  EXPECT_EQ(Setting().U32(setting_at::ulDumpLen), 32u);
+  EXPECT_EQ(Setting().Wide(setting_at::wszDumpFile), "a.bin");
   GivenFreshParser();
   EXPECT_EQ(Parse({"--recordver", "--flash", "--veraddr", "16", "--totalverlen", "8",
                    "--majorverlen", "3", "--subverlen", "2", "--recordvermode", "1"}),
             1);
-  EXPECT_EQ(Setting().U32(272672), 1u);
-  EXPECT_EQ(Setting().U32(272676), 16u);
-  EXPECT_EQ(Setting().U32(272680), 8u);
-  EXPECT_EQ(Setting().U32(272684), 3u);
-  EXPECT_EQ(Setting().U32(272688), 2u);
+  EXPECT_EQ(Setting().U32(setting_at::enumRecordVerMode), 1u);
+  EXPECT_EQ(Setting().U32(setting_at::ulVerAddr), 16u);
+  EXPECT_EQ(Setting().U32(setting_at::ulTotalVerLen), 8u);
+  EXPECT_EQ(Setting().U32(setting_at::ulMajorVerLen), 3u);
+  EXPECT_EQ(Setting().U32(setting_at::ulSubVerLen), 2u);
 }
 
 TEST_F(IspArgsParse, TheUserFlagAndTheI2cCommandReachTheirFields) {
   GivenFw("a.bin");
   EXPECT_EQ(Parse({"--ispuser", "--fw", "a.bin", "--flagaddr", "0x20", "--flagdata", "1,2"}), 1);
-  EXPECT_EQ(Setting().U32(271440), 2u);
-  EXPECT_EQ(Setting().U32(272664), 0x20u);
-  EXPECT_EQ(Setting().U8(271445), 2);
+  EXPECT_EQ(Setting().U32(setting_at::ulFlagLength), 2u);
+  EXPECT_EQ(Setting().U32(setting_at::ulFlagAddr), 0x20u);
+  EXPECT_EQ(Setting().U8(setting_at::ucFlagData + 1), 2);
   GivenFreshParser();
   EXPECT_EQ(Parse({"--i2cwrite", "--writedata", "1,2,0x81,9", "--ddccicmd"}), 1);
-  EXPECT_EQ(Setting().U8(273746), 1);
-  EXPECT_EQ(Setting().U8(273747), 9);
-  EXPECT_EQ(Setting().U32(274004), 1u);
+  EXPECT_EQ(Setting().U8(setting_at::ucDataLen), 1);
+  EXPECT_EQ(Setting().U8(setting_at::ucData), 9);
+  EXPECT_EQ(Setting().U32(setting_at::bDdcciCmd), 1u);
 }
 
 TEST_F(IspArgsParse, EachSlotTakesItsFileAndItsStartBank) {
@@ -151,30 +152,30 @@ TEST_F(IspArgsParse, ARefusedSlotEndsTheReadingAtOnce) {
 
 TEST_F(IspArgsParse, AMergeCommandIsStoredOnlyAfterTheActionThatNeedsIt) {
   EXPECT_EQ(Parse({"--mergefwinfo", "--write", "1.2.3"}), 1);
-  EXPECT_EQ(Setting().U32(20), 1u);
-  EXPECT_EQ(Setting().U32(275308), 3u);
-  EXPECT_EQ(Setting().U8(275314), 3);
+  EXPECT_EQ(Setting().U32(setting_at::enumMergeFwInfoType), 1u);
+  EXPECT_EQ(Setting().U32(setting_at::ulMergeLength), 3u);
+  EXPECT_EQ(Setting().U8(setting_at::ucMergeData + 2), 3);
   GivenFreshParser();
   EXPECT_EQ(Parse({"--write", "1.2.3", "--mergefwinfo"}), 1);
-  EXPECT_EQ(Setting().U32(20), 1u);
-  EXPECT_EQ(Setting().U32(275308), 0u);
+  EXPECT_EQ(Setting().U32(setting_at::enumMergeFwInfoType), 1u);
+  EXPECT_EQ(Setting().U32(setting_at::ulMergeLength), 0u);
   GivenFreshParser();
   EXPECT_EQ(Parse({"--mergefwinfo", "--write", "1.2.3", "--reg"}), 1);
-  EXPECT_EQ(Setting().U32(275308), 0u);
+  EXPECT_EQ(Setting().U32(setting_at::ulMergeLength), 0u);
 }
 
 TEST_F(IspArgsParse, ReadAndWriteTogetherCountAsRead) {
   EXPECT_EQ(Parse({"--mergefwinfo", "--read"}), 1);
-  EXPECT_EQ(Setting().U32(20), 0u);
+  EXPECT_EQ(Setting().U32(setting_at::enumMergeFwInfoType), 0u);
   GivenFreshParser();
   EXPECT_EQ(Parse({"--mergefwinfo", "--read", "--write", "junk"}), 1);
-  EXPECT_EQ(Setting().U32(20), 0u);
-  EXPECT_EQ(Setting().U32(275308), 0u);
+  EXPECT_EQ(Setting().U32(setting_at::enumMergeFwInfoType), 0u);
+  EXPECT_EQ(Setting().U32(setting_at::ulMergeLength), 0u);
 }
 
 TEST_F(IspArgsParse, AUserDefinedVersionIsEmptiedByALaterOptionWithABit) {
   EXPECT_EQ(Parse({"--erase", "--userdefined", "2"}), 1);
-  EXPECT_EQ(Setting().U32(16), 2u);
+  EXPECT_EQ(Setting().U32(setting_at::enumUserDefinedVersionType), 2u);
   GivenFreshParser();
   EXPECT_EQ(Parse({"--userdefined", "2", "--erase"}), 0);
   EXPECT_EQ(m_out,
@@ -182,7 +183,7 @@ TEST_F(IspArgsParse, AUserDefinedVersionIsEmptiedByALaterOptionWithABit) {
             "Get version type fail\n");
   GivenFreshParser();
   EXPECT_EQ(Parse({"--erase", "--userdefined", "2", "--newboot"}), 1) << "--newboot has no bit";
-  EXPECT_EQ(Setting().U32(16), 2u);
+  EXPECT_EQ(Setting().U32(setting_at::enumUserDefinedVersionType), 2u);
 }
 
 TEST_F(IspArgsParse, FirmwareIsEitherNamedOrSearched) {
@@ -204,7 +205,7 @@ TEST_F(IspArgsParse, AnAutomaticSearchTakesTheFirstBinFile) {
   GivenFw("other.txt");
   GivenFreshParser();
   EXPECT_EQ(Parse({"--isp", "--searchfw", "auto"}), 1);
-  EXPECT_EQ(Setting().U32(40), 1u);
+  EXPECT_EQ(Setting().U32(setting_at::bSearchFw), 1u);
   EXPECT_EQ(Setting().U32(kBankCount), 2u);
   EXPECT_EQ(Setting().Wide(kFirstPath), m_scratch / "only.bin");
 }
@@ -303,7 +304,7 @@ TEST_F(IspArgsParse, TheCallersRecordIsJudgedAndReturned) {
   setting.enumCommID = 9;
   m_parser->SetISPCmdSetting(setting);
   EXPECT_EQ(Setting().U32(kAction), 4u);
-  EXPECT_EQ(Setting().U32(24), 9u);
+  EXPECT_EQ(Setting().U32(setting_at::enumCommID), 9u);
   GivenFw("boot.bin", 2);
   FwBankMap map;
   EXPECT_EQ(m_parser->InsertCommandFwFile(0, "boot.bin"), 1);

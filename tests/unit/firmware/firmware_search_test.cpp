@@ -54,7 +54,7 @@ class FirmwareDirectory {
     const std::string file = GivenFile(m_directory / "x.ini", settings);
     wchar_t path[kPathCapacity] = {};
     Found found;
-    found.output = OutputOf(
+    found.output = Printed(
         [&] { found.result = GetBinNameFromPrefixSetting(Path(), file, path, found.name); });
     return found;
   }
@@ -64,7 +64,7 @@ class FirmwareDirectory {
     GivenFile(m_directory / "IspUserDefined.txt", "[UserDefinedInfo]\n" + lines);
     Found found;
     found.output =
-        OutputOf([&] { found.result = GetUserDefinedBinNameFromTxt(Path(), found.name); });
+        Printed([&] { found.result = GetUserDefinedBinNameFromTxt(Path(), found.name); });
     return found;
   }
 
@@ -197,14 +197,14 @@ TEST(PrefixSearch, TheSettingsPathStaysWhenALaterStepFails) {
   const FirmwareDirectory directory({"a.bin"});
   wchar_t path[kPathCapacity] = {};
   std::string name;
-  OutputOf([&] { GetBinNameFromPrefixSetting(directory.Path(), "/no/such.ini", path, name); });
+  Printed([&] { GetBinNameFromPrefixSetting(directory.Path(), "/no/such.ini", path, name); });
   EXPECT_STREQ(path, L"/no/such.ini");
 }
 
 TEST(PrefixSearch, TheSettingsPathIsNotTouchedWithoutFirmware) {
   wchar_t path[kPathCapacity] = L"before";
   std::string name;
-  OutputOf([&] { GetBinNameFromPrefixSetting("/no/such/", "/no/such.ini", path, name); });
+  Printed([&] { GetBinNameFromPrefixSetting("/no/such/", "/no/such.ini", path, name); });
   EXPECT_STREQ(path, L"before");
 }
 

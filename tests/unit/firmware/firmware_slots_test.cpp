@@ -5,45 +5,52 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "plugin/zeroed.h"
 #include "support/files.h"
+#include "support/printed.h"
 #include "support/scratch_dir.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using testing::internal::CaptureStdout;
-using testing::internal::GetCapturedStdout;
-
 // The slots of a command line and the files that they name, in a directory of their own.
 class FirmwareSlots : public testing::Test {
  protected:
-  FirmwareSlots() {
-    m_setting->enumActionType = CP_ISPTOOL_ACTION_ISP;
-    CaptureStdout();
-  }
+  FirmwareSlots() { m_setting->enumActionType = CP_ISPTOOL_ACTION_ISP; }
 
   std::string Directory() const { return m_scratch.Path() + "/"; }
   int Fw(unsigned int slot, const std::wstring& name) {
-    return InsertCommandFwFile(m_slots, slot, name);
+    return Capturing([&] { return InsertCommandFwFile(m_slots, slot, name); });
   }
   int Bank(unsigned int slot, const std::string& text) {
-    return InsertCommandStartBank(m_slots, slot, text);
+    return Capturing([&] { return InsertCommandStartBank(m_slots, slot, text); });
   }
-  int Judge() { return JudgeFwMap(m_slots, Directory(), *m_setting, m_map); }
-  static std::string Printed() {
-    const std::string text = GetCapturedStdout();
-    CaptureStdout();
-    return text;
+  int Count(const std::string& directory, std::string& path, unsigned int& banks) {
+    return Capturing([&] { return GetFwBankCount(directory, path, banks); });
   }
-  ~FirmwareSlots() override { GetCapturedStdout(); }
+  int Judge() {
+    return Capturing([&] { return JudgeFwMap(m_slots, Directory(), *m_setting, m_map); });
+  }
+  // What was printed since the last call.
+  std::string TakePrinted() { return std::exchange(m_printed, ""); }
 
   ScratchDir m_scratch;
   FwBankMap m_slots;
   FwBankMap m_map;
   Zeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting;
+
+ private:
+  template <typename Code>
+  int Capturing(Code&& code) {
+    int result = -1;
+    m_printed += Printed([&] { result = code(); });
+    return result;
+  }
+
+  std::string m_printed;
 };
 
 TEST_F(FirmwareSlots, AStartBankAndAFileMakeOneSlotInEitherOrder) {
@@ -56,13 +63,13 @@ TEST_F(FirmwareSlots, AStartBankAndAFileMakeOneSlotInEitherOrder) {
   EXPECT_TRUE(m_slots[1].strFwPath == L"a.bin");
   EXPECT_EQ(m_slots[2].ulBank, 16u);
   EXPECT_TRUE(m_slots[2].strFwPath == L"b.bin");
-  EXPECT_EQ(Printed(), "");
+  EXPECT_EQ(TakePrinted(), "");
 }
 
 TEST_F(FirmwareSlots, ASecondFileForASlotIsRefusedAndTheFirstOneKept) {
   EXPECT_EQ(Fw(0, L"a.bin"), 1);
   EXPECT_EQ(Fw(0, L"b.bin"), 0);
-  EXPECT_EQ(Printed(), "Parameter has been detected two or more times! --fw0 \n");
+  EXPECT_EQ(TakePrinted(), "Parameter has been detected two or more times! --fw0 \n");
   EXPECT_TRUE(m_slots[0].strFwPath == L"a.bin");
 }
 
@@ -85,7 +92,7 @@ TEST_F(FirmwareSlots, ARefusedStartBankSaysWhyAndLeavesTheSlotUntouched) {
   };
   for (const auto& [text, message] : kCases) {
     EXPECT_EQ(Bank(9, text), 0) << text;
-    EXPECT_EQ(Printed(), message);
+    EXPECT_EQ(TakePrinted(), message);
   }
   EXPECT_TRUE(m_slots.empty());
 }
@@ -108,7 +115,7 @@ TEST_F(FirmwareSlots, AFileCountsItsBanksRoundedUp) {
   for (const auto& [bytes, expected] : kCases) {
     std::string path = GivenSparseFile(m_scratch / "fw.bin", bytes);
     unsigned int banks = 99;
-    EXPECT_EQ(GetFwBankCount("", path, banks), 1) << bytes;
+    EXPECT_EQ(Count("", path, banks), 1) << bytes;
     EXPECT_EQ(banks, expected) << bytes;
   }
 }
@@ -117,18 +124,18 @@ TEST_F(FirmwareSlots, CountingMakesThePathAFullOne) {
   GivenFirmware(m_scratch / "fw.bin", 10);
   std::string path = "./../" + m_scratch.Path().substr(m_scratch.Path().rfind('/') + 1) + "/fw.bin";
   unsigned int banks = 0;
-  EXPECT_EQ(GetFwBankCount(Directory(), path, banks), 1);
+  EXPECT_EQ(Count(Directory(), path, banks), 1);
   EXPECT_EQ(path, m_scratch / "fw.bin");
 }
 
-TEST_F(FirmwareSlots, WhatIsNoReadableFileIsRefusedWithItsFullPath) {
+TEST_F(FirmwareSlots, WhatIsNotAReadableFileIsRefusedWithItsFullPath) {
   GivenDirectory(m_scratch / "dir.bin");
   ASSERT_EQ(mkfifo((m_scratch / "fifo.bin").c_str(), 0600), 0);
   for (const std::string name : {"missing.bin", "dir.bin", "fifo.bin"}) {
     std::string path = name;
     unsigned int banks = 99;
-    EXPECT_EQ(GetFwBankCount(Directory(), path, banks), 0) << name;
-    EXPECT_EQ(Printed(), "File open fail! " + (m_scratch / name) + "\n");
+    EXPECT_EQ(Count(Directory(), path, banks), 0) << name;
+    EXPECT_EQ(TakePrinted(), "File open fail! " + (m_scratch / name) + "\n");
     EXPECT_EQ(banks, 99u);
   }
 }
@@ -140,7 +147,7 @@ TEST_F(FirmwareSlots, ActionsThatDoNotProgramOpenNoFile) {
     EXPECT_EQ(Judge(), 1) << action;
     EXPECT_TRUE(m_map.empty());
   }
-  EXPECT_EQ(Printed(), "");
+  EXPECT_EQ(TakePrinted(), "");
 }
 
 TEST_F(FirmwareSlots, ProgrammingActionsAndVersionsFromAFileNeedFirmware) {
@@ -152,7 +159,7 @@ TEST_F(FirmwareSlots, ProgrammingActionsAndVersionsFromAFileNeedFirmware) {
     m_setting->enumActionType = action;
     m_setting->enumVersionLocationType = location;
     EXPECT_EQ(Judge(), 0) << action;
-    EXPECT_EQ(Printed(), "Program fw bin path should not be empty!\n");
+    EXPECT_EQ(TakePrinted(), "Program fw bin path should not be empty!\n");
   }
 }
 
@@ -160,7 +167,7 @@ TEST_F(FirmwareSlots, NoSlotIsNeededWhenASearchWasAskedFor) {
   m_setting->bSearchFw = 1;
   EXPECT_EQ(Judge(), 1);
   EXPECT_TRUE(m_map.empty());
-  EXPECT_EQ(Printed(), "");
+  EXPECT_EQ(TakePrinted(), "");
 }
 
 TEST_F(FirmwareSlots, AFileTakesConsecutiveBanksFromItsStartBank) {
@@ -194,7 +201,7 @@ TEST_F(FirmwareSlots, ABankClaimedTwiceIsRefusedBeforeTheSecondFileTakesAny) {
     Bank(1, start);
     m_map.clear();
     EXPECT_EQ(Judge(), 0);
-    EXPECT_EQ(Printed(), "Program fw bank duplicate!\n");
+    EXPECT_EQ(TakePrinted(), "Program fw bank duplicate!\n");
     EXPECT_EQ(m_map.size(), 2u);
   }
 }
@@ -209,7 +216,7 @@ TEST_F(FirmwareSlots, NeighboursAndFilesBelowOthersDoNotCollide) {
   Bank(3, "6");
   EXPECT_EQ(Judge(), 1);
   EXPECT_EQ(m_map.size(), 6u);
-  EXPECT_EQ(Printed(), "");
+  EXPECT_EQ(TakePrinted(), "");
 }
 
 TEST_F(FirmwareSlots, AnEmptyFileTakesNoBankAndNeverCollides) {
@@ -224,7 +231,7 @@ TEST_F(FirmwareSlots, AnEmptyFileTakesNoBankAndNeverCollides) {
 TEST_F(FirmwareSlots, AStartBankWithoutAFileIsRefusedWithTheDirectory) {
   Bank(1, "3");
   EXPECT_EQ(Judge(), 0);
-  EXPECT_EQ(Printed(), "File open fail! " + m_scratch.Path() + "\n");
+  EXPECT_EQ(TakePrinted(), "File open fail! " + m_scratch.Path() + "\n");
   EXPECT_TRUE(m_map.empty());
 }
 
@@ -234,7 +241,7 @@ TEST_F(FirmwareSlots, TheFirstFileThatCannotBeOpenedEndsTheJudgement) {
   Fw(2, L"missing.bin");
   Fw(3, L"also_missing.bin");
   EXPECT_EQ(Judge(), 0);
-  EXPECT_EQ(Printed(), "File open fail! " + (m_scratch / "missing.bin") + "\n");
+  EXPECT_EQ(TakePrinted(), "File open fail! " + (m_scratch / "missing.bin") + "\n");
 }
 
 TEST_F(FirmwareSlots, TwoHundredFiftySixBanksFit) {
@@ -251,7 +258,7 @@ TEST_F(FirmwareSlots, MoreBanksThanTheRecordHoldsAreRefusedBeforeTheSlotTakesAny
   Bank(1, "2");
   Fw(2, L"b.bin");
   EXPECT_EQ(Judge(), 0);
-  EXPECT_EQ(Printed(), "Program fw bank count out of range! 257 banks, at most 256\n");
+  EXPECT_EQ(TakePrinted(), "Program fw bank count out of range! 257 banks, at most 256\n");
   EXPECT_EQ(m_map.size(), 255u);
 }
 

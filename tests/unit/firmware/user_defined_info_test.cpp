@@ -26,7 +26,7 @@ Identification Read(const std::string& lines) {
   GivenFile(directory / "IspUserDefined.txt", "[UserDefinedInfo]\n" + lines);
   Identification read;
   read.output =
-      OutputOf([&] { read.usable = GetUserDefinedInfoFromTxt(directory.Path() + "/", read.info); });
+      Printed([&] { read.usable = GetUserDefinedInfoFromTxt(directory.Path() + "/", read.info); });
   return read;
 }
 
@@ -98,7 +98,7 @@ TEST(UserDefinedInfo, VersionNumbersAreJoinedWithDots) {
   }
 }
 
-TEST(UserDefinedInfo, APieceThatIsNoNumberFailsSilently) {
+TEST(UserDefinedInfo, APieceThatIsNotANumberFailsSilently) {
   for (const char* lines :
        {"RecordSIMode=1\nSIName=65 x\nModelName=M\n", "RecordModelMode=1\nSIName=A\nModelName=AB\n",
         "RecordPanelMode=2\nSIName=A\nPanelName=0xG\n",
@@ -124,7 +124,7 @@ TEST(UserDefinedInfo, AWrongTextModeIsReportedAndTheTextTakenAsItIs) {
   }
 }
 
-TEST(UserDefinedInfo, FatalSettingsAreReportedWithoutALineEnd) {
+TEST(UserDefinedInfo, FatalSettingsAreReportedWithoutANewline) {
   const struct {
     std::string lines, output;
   } kCases[] = {
@@ -156,7 +156,7 @@ TEST(UserDefinedInfo, WithoutAnyTextItFailsSilently) {
     EXPECT_EQ(read.output, "") << lines;
   }
   STRUCT_CP_GET_USER_DEFINED_BIN_INFO info;
-  EXPECT_EQ(OutputOf([&] { EXPECT_EQ(GetUserDefinedInfoFromTxt("/no/such/", info), 0); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(GetUserDefinedInfoFromTxt("/no/such/", info), 0); }), "");
 }
 
 TEST(UserDefinedInfo, TheFileNameIsAppendedWithoutASeparator) {

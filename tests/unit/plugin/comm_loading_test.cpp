@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/comm_library.h"
+#include "support/printed.h"
 
 namespace {
 
@@ -22,18 +23,16 @@ TEST(CommLoading, BindsEveryExportOfAWholeLibrary) {
 }
 
 TEST(CommLoading, RefusesALibraryThatLacksAnyOneExport) {
-  testing::internal::CaptureStderr();
   int refused = 0;
   for (const std::string symbol : kLookUpOrder) {
     SCOPED_TRACE(symbol);
     CZvComm comm;
     const std::string path = Path("without_" + symbol);
-    EXPECT_EQ(Load(comm, path), 0);
+    EXPECT_EQ(PrintedErrors([&] { EXPECT_EQ(Load(comm, path), 0); }), "");
     EXPECT_FALSE(IsLoaded(path));
     EXPECT_EQ(OperationsThatAreBound(comm), 0);
     ++refused;
   }
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(refused, 115);
 }
 
@@ -65,9 +64,8 @@ TEST(CommLoading, LooksTheExportsUpInTheirOrder) {
 
 TEST(CommLoading, SaysWhyALibraryCannotBeOpened) {
   CZvComm comm;
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(Load(comm, "/nonexistent/libComm.dylib"), 0);
-  const std::string said = testing::internal::GetCapturedStderr();
+  const std::string said =
+      PrintedErrors([&] { EXPECT_EQ(Load(comm, "/nonexistent/libComm.dylib"), 0); });
   dlopen("/nonexistent/libComm.dylib", RTLD_NOW);
   const std::string reason = dlerror();
   EXPECT_EQ(said, "Failed to open libaray /nonexistent/libComm.dylib error:" + reason + "\n");
@@ -76,11 +74,11 @@ TEST(CommLoading, SaysWhyALibraryCannotBeOpened) {
 
 TEST(CommLoading, RefusesAnEmptyAndANullPath) {
   CZvComm comm;
-  testing::internal::CaptureStderr();
   wchar_t empty[] = L"";
-  EXPECT_EQ(comm.LoadCommDllFile(empty), 0);
-  EXPECT_EQ(comm.LoadCommDllFile(nullptr), 0);
-  const std::string said = testing::internal::GetCapturedStderr();
+  const std::string said = PrintedErrors([&] {
+    EXPECT_EQ(comm.LoadCommDllFile(empty), 0);
+    EXPECT_EQ(comm.LoadCommDllFile(nullptr), 0);
+  });
   EXPECT_EQ(said.find("Failed to open libaray  error:"), 0U) << said;
 }
 
@@ -136,9 +134,7 @@ class CountingFree : public CZvComm {
 TEST(CommLoading, ReachesAnOverriddenFreeOnceForEachLoad) {
   for (const std::string name : {"whole", "without_I2CRead", "nonexistent"}) {
     CountingFree comm;
-    testing::internal::CaptureStderr();
-    Load(comm, Path(name));
-    testing::internal::GetCapturedStderr();
+    PrintedErrors([&] { Load(comm, Path(name)); });
     EXPECT_EQ(comm.frees, 1) << name;
     comm.FreeCommDllFile();
   }

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "plugin/zeroed.h"
+#include "support/record_offsets.h"
 
 #include <gtest/gtest.h>
 
@@ -15,13 +16,12 @@ namespace {
 
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
-constexpr std::size_t kRecordBytes = 275328;
-
 // A record constructed over memory that was filled with one byte.
 class RecordOver {
  public:
-  explicit RecordOver(unsigned char fill) : m_memory(new std::uint64_t[kRecordBytes / 8]) {
-    std::memset(m_memory.get(), fill, kRecordBytes);
+  explicit RecordOver(unsigned char fill)
+      : m_memory(new std::uint64_t[setting_at::kRecordBytes / 8]) {
+    std::memset(m_memory.get(), fill, setting_at::kRecordBytes);
     m_record = ::new (static_cast<void*>(m_memory.get())) Setting;
   }
   Setting* operator->() { return m_record; }
@@ -42,32 +42,40 @@ class RecordOver {
 
 TEST(CommandSetting, ConstructionSetsTheStatedDefaults) {
   RecordOver record(0xEE);
-  for (const std::size_t zero_at : {0, 4, 12, 16, 24, 28, 40, 44, 48, 52, 56, 60, 64, 72}) {
+  for (const std::size_t zero_at :
+       {setting_at::enumActionType, setting_at::enumDigitalSignatureType,
+        setting_at::enumVersionLocationType, setting_at::enumUserDefinedVersionType,
+        setting_at::enumCommID, setting_at::enumEdpIspMode, setting_at::bSearchFw,
+        setting_at::bCompareVer, setting_at::bIspChannel, setting_at::enumBootCodeType,
+        setting_at::enumIspMode, setting_at::ulReserved, setting_at::ulProgStartBank,
+        setting_at::ulCount}) {
     EXPECT_EQ(record.Word(zero_at), 0u) << "offset " << zero_at;
   }
-  EXPECT_EQ(record.Word(32), 0xFFFFFFFFu);
-  EXPECT_EQ(record.Byte(36), 0x94);
+  EXPECT_EQ(record.Word(setting_at::bAutoSlaveAddr), 0xFFFFFFFFu);
+  EXPECT_EQ(record.Byte(setting_at::ucSlaveAddr), 0x94);
 }
 
 TEST(CommandSetting, ConstructionLeavesTheModesAndThePaddingAsTheMemoryWas) {
   RecordOver record(0xEE);
-  for (const std::size_t untouched_at : {8, 20, 68}) {
+  for (const std::size_t untouched_at : {setting_at::enumSWDigitalSignatureMode,
+                                         setting_at::enumMergeFwInfoType, setting_at::padding}) {
     EXPECT_EQ(record.Word(untouched_at), 0xEEEEEEEEu) << "offset " << untouched_at;
   }
-  EXPECT_EQ(record.Byte(37), 0xEE);
+  EXPECT_EQ(record.Byte(setting_at::ucSlaveAddr + 1), 0xEE);
 }
 
 TEST(CommandSetting, ConstructionClearsOnlyTheFirst64TargetBanks) {
   RecordOver record(0xEE);
   for (std::size_t i = 0; i < 256; ++i) {
-    EXPECT_EQ(record.Word(76 + 4 * i), i < 64 ? 0u : 0xEEEEEEEEu) << "entry " << i;
+    EXPECT_EQ(record.Word(setting_at::ulTargetBank + 4 * i), i < 64 ? 0u : 0xEEEEEEEEu)
+        << "entry " << i;
   }
 }
 
 TEST(CommandSetting, ConstructionZeroesEveryBankEntry) {
   RecordOver record(0xEE);
   for (std::size_t entry = 0; entry < 256; ++entry) {
-    const std::size_t start = 72 + 1032 + entry * 1056;
+    const std::size_t start = setting_at::stBank + entry * setting_at::kEntryBytes;
     for (std::size_t i = 0; i < 1052; ++i) {
       ASSERT_EQ(record.Byte(start + i), 0) << "entry " << entry << " byte " << i;
     }
@@ -77,28 +85,28 @@ TEST(CommandSetting, ConstructionZeroesEveryBankEntry) {
 
 TEST(CommandSetting, ConstructionFillsTheUserFlagWithOnes) {
   RecordOver record(0x11);
-  EXPECT_EQ(record.Word(271440), 0u);
+  EXPECT_EQ(record.Word(setting_at::ulFlagLength), 0u);
   for (std::size_t i = 0; i < 1220; ++i)
-    ASSERT_EQ(record.Byte(271444 + i), 0xFF) << i;
-  EXPECT_EQ(record.Word(271440 + 1224), 0u);
-  EXPECT_EQ(record.Word(271440 + 1228), 0u);
+    ASSERT_EQ(record.Byte(setting_at::ucFlagData + i), 0xFF) << i;
+  EXPECT_EQ(record.Word(setting_at::ulFlagAddr), 0u);
+  EXPECT_EQ(record.Word(setting_at::ulFlagReserved), 0u);
 }
 
 TEST(CommandSetting, ConstructionSetsTheI2cBytesToOnesAndTheLengthToOne) {
   RecordOver record(0x11);
-  EXPECT_EQ(record.Byte(273744), 0xFF);
-  EXPECT_EQ(record.Byte(273745), 0xFF);
-  EXPECT_EQ(record.Byte(273746), 1);
+  EXPECT_EQ(record.Byte(setting_at::ucSlave), 0xFF);
+  EXPECT_EQ(record.Byte(setting_at::ucSubAddr), 0xFF);
+  EXPECT_EQ(record.Byte(setting_at::ucDataLen), 1);
   for (std::size_t i = 0; i < 256; ++i)
-    ASSERT_EQ(record.Byte(273747 + i), 0xFF) << i;
-  EXPECT_EQ(record.Word(274004), 0u);
+    ASSERT_EQ(record.Byte(setting_at::ucData + i), 0xFF) << i;
+  EXPECT_EQ(record.Word(setting_at::bDdcciCmd), 0u);
 }
 
 TEST(CommandSetting, ConstructionZeroesTheRemainingSubRecordsAndTexts) {
   RecordOver record(0x11);
-  for (std::size_t at = 272672; at < 273744; ++at)
+  for (std::size_t at = setting_at::enumRecordVerMode; at < setting_at::ucSlave; ++at)
     ASSERT_EQ(record.Byte(at), 0) << at;
-  for (std::size_t at = 274008; at < 275328; ++at)
+  for (std::size_t at = setting_at::wszSettingFilePath; at < setting_at::kRecordBytes; ++at)
     ASSERT_EQ(record.Byte(at), 0) << at;
 }
 
@@ -112,7 +120,7 @@ TEST(CommandSetting, ClearMapFwClearsAllTargetBanksAndEveryReservedWord) {
   record->ClearMapFW();
   EXPECT_EQ(record->stMapFw.ulCount, 0u);
   for (std::size_t i = 0; i < 256; ++i) {
-    EXPECT_EQ(record.Word(76 + 4 * i), 0u) << i;
+    EXPECT_EQ(record.Word(setting_at::ulTargetBank + 4 * i), 0u) << i;
     EXPECT_EQ(record->stMapFw.stBank[i].ulReserved, 0u) << i;
   }
 }
@@ -137,7 +145,7 @@ TEST(CommandSetting, AZeroedRecordHasTheSameBytesEveryTime) {
   const auto first = MakeZeroed<Setting>();
   const auto second = std::make_unique<Zeroed<Setting>>();
   ASSERT_NE(first, nullptr);
-  EXPECT_EQ(std::memcmp(first.get(), &**second, kRecordBytes), 0);
+  EXPECT_EQ(std::memcmp(first.get(), &**second, setting_at::kRecordBytes), 0);
   EXPECT_EQ(first->enumSWDigitalSignatureMode, 0u);
   EXPECT_EQ(first->enumMergeFwInfoType, 0u);
   EXPECT_EQ(first->stMapFw.ulTargetBank[255], 0u);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "support/files.h"
+#include "support/printed.h"
 #include "support/scratch_dir.h"
 
 #include <gtest/gtest.h>
@@ -59,9 +60,8 @@ class DigitalSignArgsHandle : public testing::Test {
 
   // The verdict, with what was printed kept for Printed().
   bool Judge(Args& args) {
-    testing::internal::CaptureStdout();
-    const bool accepted = m_handle.JudgeArgument(&args);
-    m_printed = testing::internal::GetCapturedStdout();
+    bool accepted = false;
+    m_printed = ::Printed([&] { accepted = m_handle.JudgeArgument(&args); });
     return accepted;
   }
 
@@ -267,20 +267,16 @@ TEST_F(DigitalSignArgsHandle, ReadsTheKeyPairAsANumberOfAnyBase) {
 }
 
 TEST_F(DigitalSignArgsHandle, ARefusedKeyPairLeavesIndexZero) {
-  testing::internal::CaptureStdout();
   for (const char* text : {"5", "-1", "x", "3 "}) {
     int value = -7;
-    EXPECT_FALSE(m_handle.CheckZrvInternalKey(text, value)) << text;
+    ::Printed([&] { EXPECT_FALSE(m_handle.CheckZrvInternalKey(text, value)) << text; });
     EXPECT_EQ(value, 0) << text;
   }
-  testing::internal::GetCapturedStdout();
 }
 
 TEST_F(DigitalSignArgsHandle, TheShortCheckLooksAtNoKeys) {
   Args args = Record({.action = 2, .sw_mode = 4});
-  testing::internal::CaptureStdout();
-  EXPECT_TRUE(m_handle.JudgeArgumentFwFileAndSigFile(&args));
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(::Printed([&] { EXPECT_TRUE(m_handle.JudgeArgumentFwFileAndSigFile(&args)); }), "");
   EXPECT_EQ(args.szFwFile, Full("fw.bin"));
   EXPECT_EQ(args.szSignatureFile, Full("fw.sig"));
 }
@@ -313,13 +309,14 @@ TEST_F(DigitalSignArgsHandle, ChecksTheTypeOnItsOwn) {
   const auto kTavero = CP_DIGITAL_SIGNATURE_SW_MODE_TAVERO;
   const auto kSoftware = CP_DIGITAL_SIGNATURE_SW;
   const auto kHardware = CP_DIGITAL_SIGNATURE_HW;
-  testing::internal::CaptureStdout();
-  EXPECT_FALSE(m_handle.CheckDigitalSignatureType(kSign, kSoftware, kTavero));
-  EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kVerify, kSoftware, kTavero));
-  EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kSign, kSoftware, kNoMode));
-  EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kSign, kHardware, kTavero));
-  EXPECT_FALSE(m_handle.CheckDigitalSignatureType(kVerify, kHardware, kNoMode));
-  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+  const std::string printed = ::Printed([&] {
+    EXPECT_FALSE(m_handle.CheckDigitalSignatureType(kSign, kSoftware, kTavero));
+    EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kVerify, kSoftware, kTavero));
+    EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kSign, kSoftware, kNoMode));
+    EXPECT_TRUE(m_handle.CheckDigitalSignatureType(kSign, kHardware, kTavero));
+    EXPECT_FALSE(m_handle.CheckDigitalSignatureType(kVerify, kHardware, kNoMode));
+  });
+  EXPECT_EQ(printed,
             "Digital signature: Tavero digital signature can not support sign function!\n"
             "Digital signature: Hw digital signature can not support verify function!\n");
 }

@@ -5,7 +5,7 @@
 
 namespace {
 
-TEST(DynamicLibrary, TheLastErrorIsToldOnceAndNeverNull) {
+TEST(DynamicLibrary, TheLastErrorIsReportedOnceAndNeverNull) {
   EXPECT_EQ(OpenLibrary(L"/no/such/library").handle, nullptr);
   LastLoaderError();
   EXPECT_STREQ(LastLoaderError(), "");

@@ -9,6 +9,7 @@
 
 #include "plugin/zeroed.h"
 #include "support/files.h"
+#include "support/printed.h"
 #include "support/scratch_dir.h"
 
 #include <gmock/gmock.h>
@@ -36,9 +37,9 @@ class IspPlugin : public testing::Test {
     return LoadFile(std::string(ZVISP_TEST_PLUGIN_DIR) + "/" + name + ".dylib");
   }
   bool LoadFile(const std::string& path) {
-    testing::internal::CaptureStdout();
-    const bool loaded = m_plugin.LoadIspDllFile(std::wstring(path.begin(), path.end()).c_str());
-    m_printed = testing::internal::GetCapturedStdout();
+    const std::wstring wide(path.begin(), path.end());
+    bool loaded = false;
+    m_printed = Printed([&] { loaded = m_plugin.LoadIspDllFile(wide.c_str()); });
     return loaded;
   }
 
@@ -130,7 +131,7 @@ TEST_F(IspPlugin, ARefusedLoadLeavesNothingOfTheLibraryBefore) {
   }
 }
 
-TEST_F(IspPlugin, TellsTheLoadersReasonWithALetterInPlaceOfTheLineEnd) {
+TEST_F(IspPlugin, ReportsTheLoadersReasonWithALetterInsteadOfTheNewline) {
   EXPECT_FALSE(Load("no_such_library"));
   EXPECT_THAT(m_printed, StartsWith("dlopen - "));
   EXPECT_THAT(m_printed, HasSubstr("no_such_library.dylib"));
@@ -138,7 +139,7 @@ TEST_F(IspPlugin, TellsTheLoadersReasonWithALetterInPlaceOfTheLineEnd) {
   EXPECT_EQ(m_printed.find('\n'), std::string::npos);
 }
 
-TEST_F(IspPlugin, RefusesAFileThatIsNoLibraryAndAnEmptyPath) {
+TEST_F(IspPlugin, RefusesAFileThatIsNotALibraryAndAnEmptyPath) {
   const ScratchDir directory;
   EXPECT_FALSE(LoadFile(GivenFile(directory / "libIsp.dylib", "not a library")));
   EXPECT_THAT(m_printed, StartsWith("dlopen - "));

@@ -6,6 +6,7 @@
 
 #include "plugin/digital_sign_args.h"
 #include "support/files.h"
+#include "support/printed.h"
 #include "support/scratch_dir.h"
 
 #include <gmock/gmock.h>
@@ -22,9 +23,8 @@ std::wstring TestLibrary(const std::string& name) {
 }
 
 bool Load(CCpSignVerify& plugin, const std::wstring& path, std::string& printed) {
-  testing::internal::CaptureStdout();
-  const bool loaded = plugin.LoadSignVerfiyDllFile(path.c_str());
-  printed = testing::internal::GetCapturedStdout();
+  bool loaded = false;
+  printed = Printed([&] { loaded = plugin.LoadSignVerfiyDllFile(path.c_str()); });
   return loaded;
 }
 
@@ -87,14 +87,14 @@ TEST_F(SignVerifyPlugin, ARefusedLoadLeavesNothingOfTheLibraryBefore) {
   }
 }
 
-TEST_F(SignVerifyPlugin, TellsTheLoadersReasonWithALineEnd) {
+TEST_F(SignVerifyPlugin, ReportsTheLoadersReasonWithANewline) {
   EXPECT_FALSE(Load("no_such_library"));
   EXPECT_THAT(m_printed, StartsWith("dlopen - "));
   EXPECT_THAT(m_printed, HasSubstr("no_such_library.dylib"));
   EXPECT_EQ(m_printed.back(), '\n');
 }
 
-TEST_F(SignVerifyPlugin, RefusesAFileThatIsNoLibrary) {
+TEST_F(SignVerifyPlugin, RefusesAFileThatIsNotALibrary) {
   const ScratchDir directory;
   const std::string path = GivenFile(directory / "libSignVerify.dylib", "not a library");
   EXPECT_FALSE(::Load(m_plugin, std::wstring(path.begin(), path.end()), m_printed));

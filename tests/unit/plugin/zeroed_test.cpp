@@ -5,6 +5,7 @@
 
 #include "plugin/command_setting.h"
 #include "plugin/digital_sign_args.h"
+#include "support/record_offsets.h"
 
 #include <gtest/gtest.h>
 
@@ -13,11 +14,9 @@ namespace {
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
 
-constexpr std::size_t kSettingBytes = 275328;
-
 ZeroedPtr<Setting> SettingFullOf(int byte, std::uint32_t entries) {
   auto setting = MakeZeroed<Setting>();
-  std::memset(static_cast<void*>(setting.get()), byte, kSettingBytes);
+  std::memset(static_cast<void*>(setting.get()), byte, setting_at::kRecordBytes);
   setting->stMapFw.ulCount = entries;
   return setting;
 }
@@ -26,13 +25,13 @@ TEST(Zeroed, CopyBytesCopiesEveryByte) {
   const auto from = SettingFullOf(0x5A, 0x5A5A5A5A);
   const auto to = MakeZeroed<Setting>();
   CopyBytes(*to, *from);
-  EXPECT_EQ(std::memcmp(to.get(), from.get(), kSettingBytes), 0);
+  EXPECT_EQ(std::memcmp(to.get(), from.get(), setting_at::kRecordBytes), 0);
 }
 
 TEST(Zeroed, AHolderConstructsASignatureRecordWithoutAStaleByte) {
   const Zeroed<SignArgs> args;
   const auto* const bytes = reinterpret_cast<const unsigned char*>(&*args);
-  for (std::size_t at = 0; at < 1840; ++at)
+  for (std::size_t at = 0; at < sign_at::kRecordBytes; ++at)
     ASSERT_EQ(bytes[at], 0) << at;
 }
 

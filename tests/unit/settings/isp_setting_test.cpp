@@ -41,7 +41,7 @@ void SaveFirmware(const ProfileFile& file, const std::string& firmware, unsigned
 TEST(LoadSetting, GivesTheDefaultsWithoutAFileAndPrintsNothing) {
   const ProfileFile file;
   const auto record = RecordFor(file);
-  EXPECT_EQ(OutputOf([&] { EXPECT_EQ(record->LoadSetting(), 0u); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(record->LoadSetting(), 0u); }), "");
   EXPECT_EQ(record->enumActionType, 4u);
   EXPECT_EQ(record->enumIspMode, 1u);
   EXPECT_EQ(record->enumCommID, 0u);
@@ -196,7 +196,7 @@ TEST(SaveSetting, EachKeyThatCannotBeWrittenIsReported) {
   GivenDirectory(file.Path());
   const auto record = RecordFor(file);
   AddBank(*record, 0, L"a");
-  EXPECT_EQ(OutputOf([&] { record->SaveSetting(); }),
+  EXPECT_EQ(Printed([&] { record->SaveSetting(); }),
             "Open file error \nOpen file error \nOpen file error \nOpen file error \n");
 }
 
@@ -228,7 +228,7 @@ TEST(SaveFwPathFromFile, AnEmptyFileHasNoBanks) {
 TEST(SaveFwPathFromFile, AMissingFileIsReportedAndNothingWritten) {
   const ProfileFile file;
   const std::string fw = file.Directory() + "/\xC3\xBC.bin";
-  EXPECT_EQ(OutputOf([&] { SaveFirmware(file, fw, 3); }), "File open fail! " + fw + "\n");
+  EXPECT_EQ(Printed([&] { SaveFirmware(file, fw, 3); }), "File open fail! " + fw + "\n");
   EXPECT_FALSE(FileExists(file.Path()));
 }
 
@@ -247,14 +247,14 @@ TEST(GetFwBankCount, CountsAPartialBankAsAWholeOne) {
   }
 }
 
-TEST(GetFwBankCount, WhatIsNoReadableFileIsReportedAndLeavesTheCountAlone) {
+TEST(GetFwBankCount, WhatIsNotAReadableFileIsReportedAndLeavesTheCountAlone) {
   const ScratchDir directory;
   const std::string gone = directory / "gone.bin";
   const std::string is_directory = GivenDirectory(directory / "directory.bin");
   for (const std::string& path : {gone, is_directory, gone + "/x"}) {
     unsigned int banks = 77;
     const std::string output =
-        OutputOf([&] { EXPECT_FALSE(GetFwBankCount(Wide(path).c_str(), banks)); });
+        Printed([&] { EXPECT_FALSE(GetFwBankCount(Wide(path).c_str(), banks)); });
     EXPECT_EQ(output, "File open fail! " + path + "\n");
     EXPECT_EQ(banks, 77u);
   }
@@ -264,7 +264,7 @@ std::wstring DefaultPath() {
   return GetCurrentProcessDir(nullptr).GetString() + std::wstring(L"IspSetting.ini");
 }
 
-TEST(SettingFilePath, TheDefaultStandsBesideTheExecutable) {
+TEST(SettingFilePath, TheDefaultIsNextToTheExecutable) {
   wchar_t path[kPathCapacity] = {};
   GetDefaultSettingFilePathName(path, kPathCapacity);
   EXPECT_EQ(path, DefaultPath());

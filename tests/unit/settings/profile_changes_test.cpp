@@ -118,7 +118,7 @@ TEST(ProfileChanges, EachKeyThatCannotBeWrittenIsReportedButNotThoseTheLocaleRef
   GivenDirectory(file.Path());
   setenv("LC_ALL", "C", 1);
   const Changes changes = {{L"a", L"1"}, {L"b", L"\u5C4F"}, {L"c", L"3"}};
-  EXPECT_EQ(OutputOf([&] { WriteAll(file, changes); }), "Open file error \nOpen file error \n");
+  EXPECT_EQ(Printed([&] { WriteAll(file, changes); }), "Open file error \nOpen file error \n");
 }
 
 TEST(ProfileChanges, NoChangeLeavesTheFileAlone) {

@@ -52,7 +52,7 @@ TEST(NarrowProfile, TheOutputStaysUntouchedWhenTheSectionEndsFirst) {
 
 TEST(NarrowProfile, AMissingFileIsReported) {
   const ProfileFile file;
-  const std::string output = OutputOf([&] {
+  const std::string output = Printed([&] {
     EXPECT_EQ(ReadA(file, "k", 0), "untouched");
     EXPECT_EQ(ReadIntA(file, "k"), 77);
   });
@@ -80,7 +80,7 @@ TEST(NarrowProfile, WritesBytesAsTheyAre) {
 TEST(NarrowProfile, AFileThatCannotBeWrittenIsReported) {
   const ProfileFile file;
   GivenDirectory(file.Path());
-  const std::string output = OutputOf(
+  const std::string output = Printed(
       [&] { EXPECT_EQ(CpZvWritePrivateProfileStringA("S", "k", "5", file.Path().c_str()), 0); });
   EXPECT_EQ(output, "Open file error \n");
 }

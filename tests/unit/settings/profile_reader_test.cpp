@@ -42,7 +42,7 @@ TEST(ProfileReader, FindsTheValueOfAKeyWithBlanksAtBothEndsRemoved) {
   });
 }
 
-TEST(ProfileReader, CopiesTheValueWithItsZeroAndNothingBehind) {
+TEST(ProfileReader, CopiesTheValueWithItsZeroAndNothingMore) {
   const ProfileFile file("[S]\nk=abc\n");
   std::wstring output(kProfileValueCapacity, L'#');
   EXPECT_EQ(CpZvGetPrivateProfileStringW(L"S", L"k", L"", output.data(), kProfileValueCapacity,
@@ -51,7 +51,7 @@ TEST(ProfileReader, CopiesTheValueWithItsZeroAndNothingBehind) {
   EXPECT_EQ(output.substr(0, 6), std::wstring(L"abc\0##", 6));
 }
 
-TEST(ProfileReader, TheValueStandsBehindTheLastEqualsSign) {
+TEST(ProfileReader, TheValueIsAfterTheLastEqualsSign) {
   ExpectReads({
       {"[S]\nk=a=b=c\n", {1, L"c"}},
       {"[S]\nk = a = b\n", {1, L"b"}},
@@ -89,7 +89,7 @@ TEST(ProfileReader, AnEqualsSignInFrontGivesAnEmptyName) {
 
 TEST(ProfileReader, AMissingFileLeavesTheOutputUntouchedAndPrintsNothing) {
   const ProfileFile file;
-  EXPECT_EQ(OutputOf([&] { EXPECT_EQ(file.Read(L"S", L"k"), kUntouched); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(file.Read(L"S", L"k"), kUntouched); }), "");
 }
 
 TEST(ProfileReader, ADirectoryReadsAsAnEmptyFile) {
@@ -98,7 +98,7 @@ TEST(ProfileReader, ADirectoryReadsAsAnEmptyFile) {
   EXPECT_EQ(file.Read(L"S", L"k"), kDefault);
 }
 
-TEST(ProfileReader, TheStatedBufferSizeIsNotLookedAt) {
+TEST(ProfileReader, TheStatedBufferSizeIsNotUsed) {
   const ProfileFile file("[S]\nk=abcdef\n");
   wchar_t output[kProfileValueCapacity] = {};
   EXPECT_EQ(CpZvGetPrivateProfileStringW(L"S", L"k", L"", output, 2, file.WidePath().c_str()), 6u);
@@ -124,7 +124,7 @@ TEST(ProfileReader, TheLimitCountsCharactersAndNotBytes) {
   EXPECT_EQ(ProfileFile("[S]\nk=" + umlauts + "x\n").Read(L"S", L"k"), kDefault);
 }
 
-TEST(ProfileReader, NothingIsFoundBehindAnOverlongLine) {
+TEST(ProfileReader, NothingIsFoundAfterAnOverlongLine) {
   const std::string overlong(1024, 'x');
   ExpectReads({
       {overlong + "\n[S]\nk=1\n", kDefault},
@@ -138,7 +138,7 @@ TEST(ProfileReader, TextIsReadInTheEnvironmentsEncoding) {
   EXPECT_EQ(file.Read(L"\u00DC", L"fl\u00E4che"), (ProfileRead{3, L"\u5C4F \U0001F5A5"}));
 }
 
-TEST(ProfileReader, BytesThatAreNoTextEndTheFileBeforeTheirLine) {
+TEST(ProfileReader, BytesThatAreNotTextEndTheFileBeforeTheirLine) {
   ExpectReads({
       {"[S]\nk=1\n\xFF\n", {1, L"1"}},
       {"[S]\n\xFF\nk=1\n", kDefault},

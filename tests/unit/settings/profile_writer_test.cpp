@@ -113,7 +113,7 @@ TEST(ProfileWriter, AnyTextMayBeEmpty) {
 
 TEST(ProfileWriter, AMissingFileIsCreated) {
   const ProfileFile file;
-  EXPECT_EQ(OutputOf([&] { EXPECT_EQ(file.Write(L"S", L"a", L"5"), 1); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(file.Write(L"S", L"a", L"5"), 1); }), "");
   EXPECT_EQ(file.Content(), "[S]\na=5\n");
 }
 
@@ -132,7 +132,7 @@ TEST(ProfileWriter, TextThatTheLocaleCannotWriteLeavesTheFileAlone) {
   EXPECT_EQ(file.Content(), "[S]\na=1\n[T]\nb=1\n");
 }
 
-TEST(ProfileWriter, WhatStandsBehindAnOverlongOrUndecodableLineIsLost) {
+TEST(ProfileWriter, WhatFollowsAnOverlongOrUndecodableLineIsLost) {
   ExpectWrites({
       {"[S]\nx=1\n" + std::string(1024, 'y') + "\na=1\n", "[S]\nx=1\na=5\n"},
       {"[S]\nx=1\n\xFF\na=1\n", "[S]\nx=1\na=5\n"},
@@ -153,7 +153,7 @@ TEST(ProfileWriter, AFileThatMustNotBeWrittenStaysAsItWas) {
   SetMode(file.Directory(), 0755);
   SetMode(file.Path(), 0444);
   const std::string output =
-      OutputOf([&] { EXPECT_EQ(AsOrdinaryUser([&] { return file.Write(L"S", L"a", L"5"); }), 0); });
+      Printed([&] { EXPECT_EQ(AsOrdinaryUser([&] { return file.Write(L"S", L"a", L"5"); }), 0); });
   EXPECT_EQ(output, "Open file error \n");
   EXPECT_EQ(file.Content(), "[S]\n a=1 \n");
 }
@@ -162,7 +162,7 @@ TEST(ProfileWriter, NoFileIsCreatedInADirectoryThatMustNotBeWritten) {
   const ProfileFile file;
   SetMode(file.Directory(), 0555);
   const std::string output =
-      OutputOf([&] { EXPECT_EQ(AsOrdinaryUser([&] { return file.Write(L"S", L"a", L"5"); }), 0); });
+      Printed([&] { EXPECT_EQ(AsOrdinaryUser([&] { return file.Write(L"S", L"a", L"5"); }), 0); });
   EXPECT_EQ(output, "Open file error \n");
   EXPECT_FALSE(FileExists(file.Path()));
 }
@@ -188,7 +188,7 @@ TEST(ProfileWriter, ADirectoryOrAMissingOneCannotBeWritten) {
   const ProfileFile file;
   const std::wstring path = file.WidePath();
   GivenDirectory(file.Path());
-  const std::string output = OutputOf([&] {
+  const std::string output = Printed([&] {
     EXPECT_EQ(file.Write(L"S", L"a", L"5"), 0);
     EXPECT_EQ(CpZvWritePrivateProfileStringW(L"S", L"a", L"5", (path + L"/x/y").c_str()), 0);
     EXPECT_EQ(CpZvWritePrivateProfileStringW(L"S", L"a", L"5", L""), 0);
@@ -200,7 +200,7 @@ TEST(ProfileWriter, AFullDiskIsNotReported) {
   if (!FileExists("/dev/full")) GTEST_SKIP() << "this system has no /dev/full";
   const ProfileFile file;
   ASSERT_EQ(symlink("/dev/full", file.Path().c_str()), 0);
-  EXPECT_EQ(OutputOf([&] { EXPECT_EQ(file.Write(L"S", L"a", L"5"), 1); }), "");
+  EXPECT_EQ(Printed([&] { EXPECT_EQ(file.Write(L"S", L"a", L"5"), 1); }), "");
 }
 
 TEST(ProfileWriter, ADiskThatFillsUpKeepsTheLinesWrittenUntilThen) {

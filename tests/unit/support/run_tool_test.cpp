@@ -29,7 +29,7 @@ class RunTool : public testing::Test {
   ScratchDir m_scratch;
 };
 
-TEST_F(RunTool, OutputsAreKeptApartAndTheStatusIsTold) {
+TEST_F(RunTool, OutputsAreKeptApartAndTheStatusIsReported) {
   const RunResult run = RunCommand(Shell("echo out; echo err >&2; exit 7", m_scratch.Path()));
   EXPECT_EQ(run.out, "out\n");
   EXPECT_EQ(run.err, "err\n");
@@ -37,7 +37,7 @@ TEST_F(RunTool, OutputsAreKeptApartAndTheStatusIsTold) {
   EXPECT_EQ(run.signal, 0);
 }
 
-TEST_F(RunTool, ASignalIsToldInsteadOfAStatus) {
+TEST_F(RunTool, ASignalIsReportedInsteadOfAStatus) {
   const RunResult run = RunCommand(Shell("kill -TERM $$", m_scratch.Path()));
   EXPECT_EQ(run.status, -1);
   EXPECT_EQ(run.signal, SIGTERM);
@@ -74,7 +74,7 @@ TEST_F(RunTool, AVanishingDirectoryIsGoneWhenTheRunStarts) {
   EXPECT_FALSE(FileExists(m_scratch / "gone"));
 }
 
-TEST_F(RunTool, AProgramThatIsNotThereIsTold) {
+TEST_F(RunTool, AProgramThatIsNotThereIsReported) {
   Command command;
   command.program = m_scratch / "nothing";
   EXPECT_EQ(RunCommand(command).status, 126);
