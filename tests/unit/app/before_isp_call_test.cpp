@@ -27,7 +27,12 @@ TEST_F(BeforeIspCall, TheHostHearsTheNameOfTheActionsExport) {
   constexpr struct {
     std::uint32_t action;
     const char* name;
-  } kCases[] = {{4, "IspFlash"}, {8, "RecordFWVersion"}, {16, "DumpFlash"}, {20, "IspEeprom"}};
+  } kCases[] = {
+      {4, "IspFlash"},
+      {8, "RecordFWVersion"},
+      {16, "DumpFlash"},
+      {20, "IspEeprom"},
+  };
   for (const auto& test : kCases) {
     g_heard.clear();
     EXPECT_EQ(Execute(test.action), 0u);

@@ -27,12 +27,22 @@ TEST_F(ExecuteProcessOf, AnActionIsTheOneCallThatBelongsToIt) {
   constexpr struct {
     std::uint32_t action;
     const char* call;
-  } kCases[] = {{4, "IspFlash"},        {5, "IspFlash"},
-                {6, "IspFlash"},        {7, "IspFlash"},
-                {17, "IspFlash"},       {8, "RecordFWVersion"},
-                {16, "DumpFlash"},      {19, "GetUserDefinedInfoFromDDCCI"},
-                {20, "IspEeprom"},      {21, "EnterISPModeExport"},
-                {15, "ResetMCUExport"}, {25, "GetScalerType"}};
+  } kCases[] = {
+      // clang-format off
+      {4, "IspFlash"},
+      {5, "IspFlash"},
+      {6, "IspFlash"},
+      {7, "IspFlash"},
+      {17, "IspFlash"},
+      {8, "RecordFWVersion"},
+      {16, "DumpFlash"},
+      {19, "GetUserDefinedInfoFromDDCCI"},
+      {20, "IspEeprom"},
+      {21, "EnterISPModeExport"},
+      {15, "ResetMCUExport"},
+      {25, "GetScalerType"},
+      // clang-format on
+  };
   for (const auto& test : kCases) {
     ForgetCalls();
     EXPECT_EQ(Execute(test.action), 0u) << test.action;
@@ -70,7 +80,12 @@ TEST_F(ExecuteProcessOf, MergingIsReadOrWriteAndNothingElse) {
   constexpr struct {
     std::uint32_t type;
     std::uint32_t result;
-  } kCases[] = {{0, 6}, {1, 6}, {2, 0}, {0xFFFFFFFF, 0}};
+  } kCases[] = {
+      {0, 6},
+      {1, 6},
+      {2, 0},
+      {0xFFFFFFFF, 0},
+  };
   for (const auto& test : kCases) {
     m_setting->enumMergeFwInfoType = test.type;
     EXPECT_EQ(Execute(22), test.result) << test.type;

@@ -52,7 +52,15 @@ TEST_F(SignatureCheck, BelongsToTheNormalModeAndTheSoftwareTypeOnly) {
   constexpr struct {
     std::uint32_t isp_mode;
     std::uint32_t type;
-  } kCases[] = {{1, 0}, {1, 2}, {0, 1}, {2, 1}, {2, 2}};
+  } kCases[] = {
+      // clang-format off
+      {1, 0},
+      {1, 2},
+      {0, 1},
+      {2, 1},
+      {2, 2},
+      // clang-format on
+  };
   for (const auto& test : kCases) {
     ForgetCalls();
     GivenSoftwareSignature(2);

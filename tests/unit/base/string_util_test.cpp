@@ -128,9 +128,16 @@ TEST(DeleteBlankW, RemovesEverySpaceAndNothingElse) {
 
 TEST(StringTrimW, RemovesTheSpacesAtBothEnds) {
   constexpr WideRow kCases[] = {
-      {L"  a b  ", L"a b"},     {L"", L""},        {L"   ", L""},
-      {L"ab", L"ab"},           {L" a", L"a"},     {L"a ", L"a"},
-      {L"\t a \t", L"\t a \t"}, {L" \ta", L"\ta"},
+      // clang-format off
+      {L"  a b  ", L"a b"},
+      {L"", L""},
+      {L"   ", L""},
+      {L"ab", L"ab"},
+      {L" a", L"a"},
+      {L"a ", L"a"},
+      {L"\t a \t", L"\t a \t"},
+      {L" \ta", L"\ta"},
+      // clang-format on
   };
   for (const auto& row : kCases) {
     std::wstring text = row.before;

@@ -99,11 +99,17 @@ TEST(ZvString, ComparesUnitByUnitAndCaseSensitively) {
     const wchar_t *left, *right;
     bool less, equal;
   } kCases[] = {
-      {L"abc", L"abc", false, true},         {L"abc", L"abd", true, false},
-      {L"ab", L"abc", true, false},          {L"", L"a", true, false},
-      {L"ABC", L"abc", true, false},         {L"b", L"abc", false, false},
-      {L"\u00E9", L"z", false, false},       {L"\uFFFF", L"\U00010000", true, false},
+      // clang-format off
+      {L"abc", L"abc", false, true},
+      {L"abc", L"abd", true, false},
+      {L"ab", L"abc", true, false},
+      {L"", L"a", true, false},
+      {L"ABC", L"abc", true, false},
+      {L"b", L"abc", false, false},
+      {L"\u00E9", L"z", false, false},
+      {L"\uFFFF", L"\U00010000", true, false},
       {L"\u00E9", L"e\u0301", false, false},
+      // clang-format on
   };
   for (const auto& row : kCases) {
     const CCpZvString left(row.left);
@@ -180,7 +186,16 @@ TEST(ZvString, LeftTakesTheFirstCharactersOrTheWholeString) {
   constexpr struct {
     int count;
     const wchar_t* expected;
-  } kCases[] = {{0, L""}, {1, L"a"}, {2, L"ab"}, {3, L"abc"}, {10, L"abc"}, {-1, L"abc"}};
+  } kCases[] = {
+      // clang-format off
+      {0, L""},
+      {1, L"a"},
+      {2, L"ab"},
+      {3, L"abc"},
+      {10, L"abc"},
+      {-1, L"abc"},
+      // clang-format on
+  };
   for (const auto& row : kCases) {
     EXPECT_EQ(Value(text.Left(row.count)), row.expected) << row.count;
   }
@@ -191,7 +206,16 @@ TEST(ZvString, RightTakesTheLastCharactersOrNothing) {
   constexpr struct {
     int count;
     const wchar_t* expected;
-  } kCases[] = {{0, L""}, {1, L"c"}, {2, L"bc"}, {3, L""}, {10, L""}, {-1, L""}};
+  } kCases[] = {
+      // clang-format off
+      {0, L""},
+      {1, L"c"},
+      {2, L"bc"},
+      {3, L""},
+      {10, L""},
+      {-1, L""},
+      // clang-format on
+  };
   for (const auto& row : kCases) {
     EXPECT_EQ(Value(text.Right(row.count)), row.expected) << row.count;
   }

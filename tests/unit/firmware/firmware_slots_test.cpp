@@ -109,8 +109,16 @@ TEST_F(FirmwareSlots, AFileCountsItsBanksRoundedUp) {
     std::uint64_t bytes;
     unsigned int banks;
   } kCases[] = {
-      {0, 0},      {1, 1},           {65535, 1},       {65536, 1}, {65537, 2},
-      {196609, 4}, {0x100000000, 0}, {0x100000001, 1},  // only the low 32 bits of the size count
+      // clang-format off
+      {0, 0},
+      {1, 1},
+      {65535, 1},
+      {65536, 1},
+      {65537, 2},
+      {196609, 4},
+      {0x100000000, 0},
+      {0x100000001, 1},  // only the low 32 bits of the size count
+      // clang-format on
   };
   for (const auto& [bytes, expected] : kCases) {
     std::string path = GivenSparseFile(m_scratch / "fw.bin", bytes);
@@ -154,7 +162,17 @@ TEST_F(FirmwareSlots, ProgrammingActionsAndVersionsFromAFileNeedFirmware) {
   constexpr struct {
     std::uint32_t action;
     std::uint32_t location;
-  } kCases[] = {{4, 0}, {5, 0}, {6, 0}, {7, 0}, {17, 0}, {8, 4}, {8, 6}};
+  } kCases[] = {
+      // clang-format off
+      {4, 0},
+      {5, 0},
+      {6, 0},
+      {7, 0},
+      {17, 0},
+      {8, 4},
+      {8, 6},
+      // clang-format on
+  };
   for (const auto& [action, location] : kCases) {
     m_setting->enumActionType = action;
     m_setting->enumVersionLocationType = location;

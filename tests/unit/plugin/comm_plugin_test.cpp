@@ -19,7 +19,12 @@ long long CutAnswer(int bytes) {
     int bytes;
     long long answer;
   } kCuts[] = {
-      {0, 0}, {1, 0x18}, {2, 0x0718}, {4, -0x1A09F8E8},  // 0xE5F60718, signed
+      // clang-format off
+      {0, 0},
+      {1, 0x18},
+      {2, 0x0718},
+      {4, -0x1A09F8E8},  // 0xE5F60718, signed
+      // clang-format on
   };
   for (const auto& cut : kCuts) {
     if (cut.bytes == bytes) return cut.answer;

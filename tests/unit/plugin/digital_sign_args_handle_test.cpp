@@ -258,7 +258,16 @@ TEST_F(DigitalSignArgsHandle, ReadsTheKeyPairAsANumberOfAnyBase) {
   const struct {
     const char* text;
     int index;
-  } kCases[] = {{"", 0}, {"0", 0}, {"4", 4}, {" 3", 3}, {"0x2", 2}, {"+1", 1}};
+  } kCases[] = {
+      // clang-format off
+      {"", 0},
+      {"0", 0},
+      {"4", 4},
+      {" 3", 3},
+      {"0x2", 2},
+      {"+1", 1},
+      // clang-format on
+  };
   for (const auto& [text, index] : kCases) {
     int value = -7;
     EXPECT_TRUE(m_handle.CheckZrvInternalKey(text, value)) << text;

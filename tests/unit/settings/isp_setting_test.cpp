@@ -237,8 +237,18 @@ TEST(GetFwBankCount, CountsAPartialBankAsAWholeOne) {
   const struct {
     std::uint64_t bytes;
     unsigned int banks;
-  } kCases[] = {{0, 0},     {1, 1},      {65535, 1},      {65536, 1},
-                {65537, 2}, {131072, 2}, {16777217, 257}, {0x100000001, 65537}};
+  } kCases[] = {
+      // clang-format off
+      {0, 0},
+      {1, 1},
+      {65535, 1},
+      {65536, 1},
+      {65537, 2},
+      {131072, 2},
+      {16777217, 257},
+      {0x100000001, 65537},
+      // clang-format on
+  };
   for (const auto& [bytes, expected] : kCases) {
     const std::string path = GivenSparseFile(directory / "\xC3\xBC.bin", bytes);
     unsigned int banks = 77;

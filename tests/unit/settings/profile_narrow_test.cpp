@@ -64,7 +64,17 @@ TEST(NarrowProfile, ReadsNumbers) {
   const struct {
     const char* key;
     int expected;
-  } kCases[] = {{"a", 16}, {"b", 8}, {"c", -3}, {"d", 0}, {"e", 77}, {"f", -1}, {"g", 77}};
+  } kCases[] = {
+      // clang-format off
+      {"a", 16},
+      {"b", 8},
+      {"c", -3},
+      {"d", 0},
+      {"e", 77},
+      {"f", -1},
+      {"g", 77},
+      // clang-format on
+  };
   for (const auto& [key, expected] : kCases) {
     EXPECT_EQ(ReadIntA(file, key), expected) << key;
   }
