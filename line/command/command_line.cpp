@@ -18,6 +18,9 @@ const std::vector<CommandRow> kCommands = {
   // command                 run
   {Command::kRun,            RunUnit},
   {Command::kReadback,       RunUnit},
+  {Command::kJournalShow,    RunJournalShow},
+  {Command::kJournalDoctor,  RunJournalDoctor},
+  {Command::kJournalResolve, RunJournalResolve},
 };
 // clang-format on
 

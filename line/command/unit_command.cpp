@@ -74,6 +74,7 @@ class UnitCommand {
   StepRequest Request();
   ExitStatus Approve(JudgedWords& words);
   void OnStart();
+  void CountAttempt() { m_attempt = HistoryOf(m_data, m_where.unit, "").attempts + 1; }
   ExitStatus Finish(const StepEnd& end, int stop_signal);
   bool ReadsBack() const { return m_options.readback || ReadsOnly(); }
   bool ReadsOnly() const { return m_options.command == Command::kReadback; }
@@ -120,7 +121,10 @@ ExitStatus UnitCommand::Approve(JudgedWords& words) {
   m_where.comm = words.setting->enumCommID;
   m_where.place = "comm-" + std::to_string(words.setting->enumCommID);
   // A display without a serial is known by its place.
-  if (m_where.unit.empty()) m_where.unit = m_where.place;
+  if (m_where.unit.empty()) {
+    m_where.unit = m_where.place;
+    CountAttempt();
+  }
   return kExitPassed;
 }
 
@@ -132,6 +136,7 @@ StepRequest UnitCommand::Request() {
   StepRequest request;
   m_where.run = NewUuid();
   m_where.unit = m_options.unit;
+  if (!m_where.unit.empty()) CountAttempt();
   request.where = m_where;
   request.where.step = ReadsOnly() ? "readback" : "program";
   request.where.step_index = 0;

@@ -62,6 +62,7 @@ struct Where {
   std::string step;
   std::optional<std::uint32_t> step_index;
   std::optional<Phase> phase;
+  std::string job_name;
 };
 
 struct FileFacts {

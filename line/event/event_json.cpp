@@ -30,6 +30,7 @@ void PutWhere(Json& json, const Where& where) {
   Put(json, "step", where.step);
   Put(json, "step_index", where.step_index);
   if (where.phase.has_value()) json["phase"] = NameOf(*where.phase);
+  Put(json, "job_name", where.job_name);
 }
 
 // One function for each type of event: adds its own fields and returns the type's name.
@@ -210,6 +211,7 @@ Where WhereIn(const Json& json) {
   where.place = TextAt(json, "place");
   where.comm = NumberAt<std::uint32_t>(json, "comm");
   where.step = TextAt(json, "step");
+  where.job_name = TextAt(json, "job_name");
   return where;
 }
 
@@ -237,16 +239,9 @@ std::optional<RecordedEvent> FromJsonLine(std::string_view line) {
   event.time = TextAt(json, "time");
   event.session = TextAt(json, "session");
   event.where = WhereIn(json);
-  if (const auto job = json.find("job"); job != json.end() && job->is_object()) {
-    event.job = TextAt(*job, "name");
-  }
   event.state = StateNamed(TextAt(json, "state"));
   event.outcome = OutcomeNamed(TextAt(json, "outcome"));
   event.percent = NumberAt<int>(json, event.type == "progress" ? "percent" : "last_percent");
-  event.attempt = NumberAt<std::uint64_t>(json, "attempt");
-  if (const auto found = json.find("recorded"); found != json.end() && found->is_boolean()) {
-    event.recorded = found->get<bool>();
-  }
   event.note = TextAt(json, "note");
   event.text = TextAt(json, "text");
   return event;

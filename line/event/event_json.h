@@ -19,13 +19,10 @@ std::string ToJsonLine(const Event& event);
 // What the record's readers need of a line. Texts are empty where the line has no such field.
 struct RecordedEvent {
   std::string type, time, session;
-  Where where;      // without step_index and phase
-  std::string job;  // of a hello
+  Where where;  // without step_index and phase
   std::optional<UnitState> state;
   std::optional<Outcome> outcome;
   std::optional<int> percent;  // of progress; last_percent of a result
-  std::optional<std::uint64_t> attempt;
-  std::optional<bool> recorded;
   std::string note, text;
 };
 

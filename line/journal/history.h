@@ -2,7 +2,7 @@
 //
 // What the record knows of one serial, found without reading the whole record: an index next to it
 // (DATA/journal/units.index) is brought up to date with the lines that came since, and asked. The
-// index is made again when it is missing or does not fit; the record alone is the truth.
+// index is made again when it is missing or does not fit the record, which alone is the truth.
 #ifndef ZVISP_LINE_JOURNAL_HISTORY_H_
 #define ZVISP_LINE_JOURNAL_HISTORY_H_
 
@@ -16,10 +16,10 @@ struct UnitHistory {
   bool last_has_passed = false;  // the newest run that ended has passed
 };
 
-// Runs of `unit` under the job of that name; of all runs without a job for an empty name. What
-// cannot be read counts as never run.
+// All runs of `unit`; with the name of a job, those of jobs of that name. What cannot be read
+// counts as never run.
 UnitHistory HistoryOf(const std::string& data_directory, const std::string& unit,
-                      const std::string& job);
+                      const std::string& job_name);
 
 }  // namespace line
 

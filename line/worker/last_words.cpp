@@ -17,7 +17,7 @@ void RecordLastWords(const GoMessage& go, const Verdict& verdict,
   JournalSink sink(*journal);
   Session session;
   session.Add(sink);
-  Where where = {go.run, go.unit, go.place, go.comm, go.step, 0, {}};
+  Where where = {go.run, go.unit, go.place, go.comm, go.step, 0, {}, ""};
   ResultEvent result;
   result.outcome = verdict.outcome;
   result.state = verdict.state;

@@ -109,7 +109,9 @@ TEST(EventJson, ALineComesBackAsWhatTheReadersNeed) {
   EXPECT_EQ(result->state, UnitState::kDifferent);
   EXPECT_EQ(result->outcome, Outcome::kDifferent);
   EXPECT_EQ(result->percent, 50);
-  EXPECT_EQ(FromJsonLine(ToJsonLine(At(7, FullHello())))->job, "r4");
+  Event of_a_job = At(7, PassedUnit());
+  of_a_job.where.job_name = "r4";
+  EXPECT_EQ(FromJsonLine(ToJsonLine(of_a_job))->where.job_name, "r4");
   EXPECT_EQ(FromJsonLine(ToJsonLine(At(7, ProgressEvent{42, 1})))->percent, 42);
 }
 

@@ -17,7 +17,7 @@ inline Event At(std::uint64_t ms, EventBody body, std::optional<Phase> phase = {
   event.time_ms = 1795262400000 + static_cast<std::int64_t>(ms);  // 2026-11-21T12:00:00Z
   event.mono_ms = 1000000 + ms;
   event.session = "0192a0b0-0000-7000-8000-000000000001";
-  event.where = {"r1", "ZP00000001", "comm-3", 3, "program", 0, phase};
+  event.where = {"r1", "ZP00000001", "comm-3", 3, "program", 0, phase, ""};
   event.body = std::move(body);
   return event;
 }

@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: MIT
+#include "line/journal/history.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "line/event/event_json.h"
+#include "line/journal/record_file.h"
+#include "line/journal/record_reader.h"
+
+namespace line {
+
+namespace {
+
+// Stored in the index: never renumber.
+enum class Kind : std::uint64_t {
+  kFormat = 1,
+  kCovered = 2,
+  kStarted = 3,
+  kPassed = 4,
+  kEnded = 5
+};
+
+struct Entry {
+  Kind kind;
+  std::uint64_t first;  // hash of the unit; kCovered: of the file's name
+  std::uint64_t
+      second;  // hash of the job's name; kCovered: bytes of the file that are in the index
+};
+static_assert(sizeof(Entry) == 24, "the index is read as it was written");
+
+constexpr Entry kFormat = {Kind::kFormat, 0x5A564953504C4958, 1};
+
+// FNV-1a.
+std::uint64_t HashOf(std::string_view text) {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const char character : text) {
+    hash = (hash ^ static_cast<unsigned char>(character)) * 0x100000001B3;
+  }
+  return hash;
+}
+
+std::optional<Entry> EntryOf(std::string_view text) {
+  const std::string_view type = text.empty() ? std::string_view() : TypeOfLine(text);
+  if (type != "unit_start" && type != "unit_result") return std::nullopt;
+  const std::optional<RecordedEvent> event = FromJsonLine(text);
+  if (!event.has_value()) return std::nullopt;
+  const Kind kind = type == "unit_start"                 ? Kind::kStarted
+                    : event->outcome == Outcome::kPassed ? Kind::kPassed
+                                                         : Kind::kEnded;
+  return Entry{kind, HashOf(event->where.unit), HashOf(event->where.job_name)};
+}
+
+class Index {
+ public:
+  Index(std::string data_directory, const std::string& unit, const std::string& job_name)
+      : m_data_directory(std::move(data_directory)),
+        m_unit(HashOf(unit)),
+        m_job(HashOf(job_name)),
+        m_any_job(job_name.empty()) {}
+
+  UnitHistory Ask();
+
+ private:
+  bool ReadIndex(std::string_view bytes);
+  void Count(const Entry& entry);
+  std::vector<Entry> ReadWhatIsNew();
+  bool FitsTheRecord() const;
+
+  std::string m_data_directory;
+  std::uint64_t m_unit, m_job;
+  bool m_any_job;
+  std::map<std::uint64_t, std::uint64_t> m_covered;  // by hash of the file's name: bytes
+  UnitHistory m_history;
+};
+
+void Index::Count(const Entry& entry) {
+  if (entry.kind == Kind::kCovered) {
+    m_covered[entry.first] = entry.second;
+    return;
+  }
+  if (entry.first != m_unit || (!m_any_job && entry.second != m_job)) return;
+  if (entry.kind == Kind::kStarted) {
+    ++m_history.attempts;
+  } else {
+    m_history.last_has_passed = entry.kind == Kind::kPassed;
+  }
+}
+
+// False for what is no index.
+bool Index::ReadIndex(std::string_view bytes) {
+  if (bytes.size() < sizeof(Entry) || bytes.size() % sizeof(Entry) != 0) return false;
+  if (std::memcmp(bytes.data(), &kFormat, sizeof kFormat) != 0) return false;
+  for (std::size_t at = sizeof(Entry); at < bytes.size(); at += sizeof(Entry)) {
+    Entry entry;
+    std::memcpy(&entry, bytes.data() + at, sizeof entry);
+    Count(entry);
+  }
+  return FitsTheRecord();
+}
+
+// False when a file of the record that the index covers is gone or has become shorter.
+bool Index::FitsTheRecord() const {
+  std::size_t found = 0;
+  for (const std::string& name : RecordFileNames(m_data_directory)) {
+    const auto covered = m_covered.find(HashOf(name));
+    if (covered == m_covered.end()) continue;
+    const Descriptor file(open((RecordDirectory(m_data_directory) + "/" + name).c_str(),
+                               O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (lseek(file.Number(), 0, SEEK_END) < static_cast<off_t>(covered->second)) return false;
+    ++found;
+  }
+  return found == m_covered.size();
+}
+
+std::vector<Entry> Index::ReadWhatIsNew() {
+  std::vector<Entry> entries;
+  for (const std::string& name : RecordFileNames(m_data_directory)) {
+    const MappedFile file(RecordDirectory(m_data_directory) + "/" + name);
+    std::uint64_t& covered = m_covered[HashOf(name)];
+    std::string_view rest =
+        file.Bytes().substr(std::min<std::size_t>(covered, file.Bytes().size()));
+    const std::uint64_t before = covered;
+    for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
+      if (const auto entry = EntryOf(rest.substr(0, end))) entries.push_back(*entry);
+      rest.remove_prefix(end + 1);
+      covered += end + 1;
+    }
+    if (covered != before) entries.push_back({Kind::kCovered, HashOf(name), covered});
+  }
+  return entries;
+}
+
+UnitHistory Index::Ask() {
+  const std::string path = RecordDirectory(m_data_directory) + "/units.index";
+  const Descriptor file(open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+  // One process brings it up to date; another at the same time only reads on for itself.
+  const bool may_write = file.IsOpen() && flock(file.Number(), LOCK_EX | LOCK_NB) == 0;
+  bool is_whole = false;
+  {
+    const MappedFile index(path);
+    is_whole = ReadIndex(index.Bytes());
+  }
+  std::vector<Entry> entries;
+  if (!is_whole) {
+    m_covered.clear();
+    m_history = {};
+    entries.push_back(kFormat);
+    if (may_write) static_cast<void>(ftruncate(file.Number(), 0) == 0);
+  }
+  for (const Entry& entry : ReadWhatIsNew()) {
+    Count(entry);
+    entries.push_back(entry);
+  }
+  if (may_write && !entries.empty()) {
+    const std::size_t bytes = entries.size() * sizeof(Entry);
+    // What was written in part does not divide evenly, and the index is made again.
+    static_cast<void>(write(file.Number(), entries.data(), bytes) >= 0);
+  }
+  return m_history;
+}
+
+}  // namespace
+
+UnitHistory HistoryOf(const std::string& data_directory, const std::string& unit,
+                      const std::string& job_name) {
+  return Index(data_directory, unit, job_name).Ask();
+}
+
+}  // namespace line

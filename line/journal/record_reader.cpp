@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "line/journal/record_reader.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "line/journal/record_file.h"
+
+namespace line {
+
+namespace {
+
+constexpr std::string_view kLineStart = "{\"v\":1,\"type\":\"";
+constexpr std::string_view kFileEnd = ".jsonl";
+
+bool IsRecordFile(std::string_view name) {
+  return name.size() > kFileEnd.size() && name.substr(name.size() - kFileEnd.size()) == kFileEnd;
+}
+
+}  // namespace
+
+std::vector<std::string> RecordFileNames(const std::string& data_directory) {
+  std::vector<std::string> names;
+  DIR* const directory = opendir(RecordDirectory(data_directory).c_str());
+  if (directory == nullptr) return names;
+  while (const dirent* const entry = readdir(directory)) {
+    if (IsRecordFile(entry->d_name)) names.emplace_back(entry->d_name);
+  }
+  closedir(directory);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+MappedFile::MappedFile(const std::string& path) {
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat status = {};
+  if (!file.IsOpen() || fstat(file.Number(), &status) != 0 || status.st_size == 0) return;
+  const auto size = static_cast<std::size_t>(status.st_size);
+  void* const bytes = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.Number(), 0);
+  if (bytes == MAP_FAILED) return;
+  m_bytes = {static_cast<const char*>(bytes), size};
+}
+
+MappedFile::~MappedFile() {
+  if (!m_bytes.empty()) munmap(const_cast<char*>(m_bytes.data()), m_bytes.size());
+}
+
+void ForEachRecordLine(const std::string& data_directory,
+                       const std::function<void(const RecordLine&)>& use) {
+  for (const std::string& name : RecordFileNames(data_directory)) {
+    const MappedFile file(RecordDirectory(data_directory) + "/" + name);
+    std::string_view rest = file.Bytes();
+    for (std::uint64_t number = 1; !rest.empty(); ++number) {
+      const std::size_t end = std::min(rest.find('\n'), rest.size());
+      use({name, number, rest.substr(0, end), end < rest.size()});
+      rest.remove_prefix(std::min(end + 1, rest.size()));
+    }
+  }
+}
+
+std::string_view TypeOfLine(std::string_view text) {
+  if (text.substr(0, kLineStart.size()) != kLineStart || text.back() != '}') return {};
+  const std::string_view type = text.substr(kLineStart.size());
+  const std::size_t end = type.find('"');
+  return end == std::string_view::npos ? std::string_view() : type.substr(0, end);
+}
+
+}  // namespace line
