@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // zvisp-line: the words of the command line go to the commands, or to a worker.
+#include <csignal>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -11,6 +12,8 @@
 
 int main(int argc, char** argv) {
   PrepareStandardStreams();
+  // A reader that leaves must not end a run in the middle.
+  std::signal(SIGPIPE, SIG_IGN);
   if (argc > 2 && std::strcmp(argv[1], line::kWorkerCommand) == 0) {
     return line::RunWorker(argc - 2, argv + 2);
   }

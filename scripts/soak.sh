@@ -24,6 +24,9 @@ while [ $# -gt 0 ]; do
     *) build=$1; shift ;;
   esac
 done
+for tool in flock pgrep; do
+  command -v "$tool" >/dev/null || { echo "soak: needs $tool" >&2; exit 77; }
+done
 line=$(realpath "$build/bin/zvisp-line")
 zvisp=$(realpath "$build/bin/zvisp")
 keys=$PWD/tests/data/signer
@@ -53,7 +56,7 @@ sleep_up_to() {
 display_of() {
   export ZVISP_SIM_DIR=$scratch/display-$1
   mkdir "$ZVISP_SIM_DIR"
-  echo 'slow ms=5' >"$ZVISP_SIM_DIR/display-01.faults"
+  echo 'slow ms=15' >"$ZVISP_SIM_DIR/display-01.faults"
 }
 
 # What the display itself says: untouched, half or whole.
@@ -81,7 +84,7 @@ kill_round() {
   "$line" run --quiet --data "$data" --unit "$unit" -- --isp --fw "$scratch/fw.bin" --comm 1 \
     2>/dev/null &
   parent=$!
-  sleep_up_to 140
+  sleep_up_to 200
   worker=$(pgrep -P "$parent" || true)
   # The worker first, or it would be a moment too late.
   if [ "$victim" != 0 ] && [ -n "$worker" ]; then kill -KILL "$worker" 2>/dev/null || true; fi
@@ -150,7 +153,8 @@ start_swapper() {
 }
 
 stop_swapper() {
-  kill "$swapper" && wait "$swapper" 2>/dev/null || true
+  kill "$swapper" 2>/dev/null || true
+  wait "$swapper" 2>/dev/null || true
   swapper=
 }
 

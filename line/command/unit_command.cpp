@@ -10,9 +10,9 @@
 #include <system_error>
 #include <utility>
 
-#include "app/banner.h"
-#include "base/path.h"
+#include "base/process_path.h"
 #include "line/command/commands.h"
+#include "line/job/step_name.h"
 #include "line/journal/history.h"
 #include "line/journal/journal.h"
 #include "line/supervise/private_copies.h"
@@ -27,6 +27,7 @@ ExitStatus Report(Session& session, ExitStatus status, std::string id, std::stri
   return status;
 }
 
+// A relative one is taken from the working directory, which a plug-in may change.
 std::string AbsolutePath(const std::string& path) {
   std::error_code failure;
   const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
@@ -35,7 +36,10 @@ std::string AbsolutePath(const std::string& path) {
 
 // The directory of the plug-ins, ending in "/".
 std::string PluginDirectory(const std::string& given) {
-  return given.empty() ? GetCurrentProcessDir(nullptr).GetUtf8String() : AbsolutePath(given) + "/";
+  if (!given.empty()) return AbsolutePath(given) + "/";
+  char program[4096] = {};
+  ReadProcessPath(program, sizeof program);
+  return std::filesystem::path(program).parent_path().string() + "/";
 }
 
 ExitStatus StatusOfSignal(int signal) {
@@ -72,9 +76,10 @@ class UnitCommand {
  private:
   ExitStatus Prepare();
   StepRequest Request();
-  ExitStatus Approve(JudgedWords& words);
+  ExitStatus Approve(JudgedWords& words, StepRequest& request);
+  void FillIn(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, Where& where) const;
+  Where WholeUnit() const;
   void OnStart();
-  void CountAttempt() { m_attempt = HistoryOf(m_data, m_where.unit, "").attempts + 1; }
   ExitStatus Finish(const StepEnd& end, int stop_signal);
   bool ReadsBack() const { return m_options.readback || ReadsOnly(); }
   bool ReadsOnly() const { return m_options.command == Command::kReadback; }
@@ -109,7 +114,7 @@ ExitStatus UnitCommand::Prepare() {
   return kExitPassed;
 }
 
-ExitStatus UnitCommand::Approve(JudgedWords& words) {
+ExitStatus UnitCommand::Approve(JudgedWords& words, StepRequest& request) {
   if (!words.accepted) {
     return Report(m_session, kExitRefused, "zvisp-refuses", words.said);
   }
@@ -118,41 +123,52 @@ ExitStatus UnitCommand::Approve(JudgedWords& words) {
   if (!UseCopies(*m_copies, words, error)) {
     return Report(m_session, kExitRefused, "private-copies", error);
   }
-  m_where.comm = words.setting->enumCommID;
-  m_where.place = "comm-" + std::to_string(words.setting->enumCommID);
-  // A display without a serial is known by its place.
-  if (m_where.unit.empty()) {
-    m_where.unit = m_where.place;
-    CountAttempt();
-  }
+  FillIn(*words.setting, request.where);
+  m_where = request.where;
+  m_attempt = HistoryOf(m_data, m_where.unit, "").attempts + 1;
+  request.attempt = m_attempt;
   return kExitPassed;
 }
 
+void UnitCommand::FillIn(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, Where& where) const {
+  where.comm = setting.enumCommID;
+  where.place = "comm-" + std::to_string(setting.enumCommID);
+  // A display without a serial is known by its place.
+  if (where.unit.empty()) where.unit = where.place;
+  where.step = ReadsOnly() ? "readback" : StepNameOf(setting.enumActionType);
+  where.step_index = 0;
+}
+
+// What concerns the unit, and not one of its steps.
+Where UnitCommand::WholeUnit() const {
+  Where where = m_where;
+  where.step.clear();
+  where.step_index.reset();
+  return where;
+}
+
 void UnitCommand::OnStart() {
-  m_session.Emit(m_where, UnitStartEvent{m_attempt, m_options.allow_unsigned});
+  m_session.Emit(WholeUnit(), UnitStartEvent{m_attempt, m_options.allow_unsigned});
 }
 
 StepRequest UnitCommand::Request() {
   StepRequest request;
-  m_where.run = NewUuid();
-  m_where.unit = m_options.unit;
-  if (!m_where.unit.empty()) CountAttempt();
-  request.where = m_where;
-  request.where.step = ReadsOnly() ? "readback" : "program";
-  request.where.step_index = 0;
+  request.where.run = NewUuid();
+  request.where.unit = m_options.unit;
   request.words = m_options.words;
   request.plugin_directory = PluginDirectory(m_options.plugins);
   request.data_directory = m_data;
   request.wait_ms = static_cast<std::uint64_t>(m_options.wait_s * 1000);
   request.timeout_s = m_options.timeout_s;
-  request.attempt = m_attempt;
   request.wanted = {m_options.nothing_written, m_options.expect};
   request.reads_back = ReadsBack();
   request.reads_only = ReadsOnly();
   request.ignored = m_ignored;
   request.copies_lock = m_copies->LockDescriptor();
   request.dump_prefix = m_copies->PathFor("dump-");
-  request.approve = [this](JudgedWords& words) { return Approve(words); };
+  request.approve = [this](JudgedWords& words, StepRequest& completed) {
+    return Approve(words, completed);
+  };
   request.on_start = [this] { OnStart(); };
   return request;
 }
@@ -164,10 +180,10 @@ ExitStatus UnitCommand::Finish(const StepEnd& end, int stop_signal) {
   result.outcome = end.outcome;
   result.state = end.state;
   result.attempt = m_attempt;
-  result.failed_step = end.outcome == Outcome::kPassed ? "" : "program";
+  result.failed_step = end.outcome == Outcome::kPassed ? "" : m_where.step;
   result.recorded = end.recorded;
   result.duration_ms = end.duration_ms;
-  m_session.Emit(m_where, result);
+  m_session.Emit(WholeUnit(), result);
   const bool recorded = m_journal->WaitFor(m_record->Last()) && end.recorded;
   ExitStatus status = StatusOf(end);
   if (end.interrupted) status = interrupted;

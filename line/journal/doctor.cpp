@@ -76,7 +76,8 @@ void Examination::Touch(const RecordedEvent& event) {
   const auto known = std::find_if(runs.begin(), runs.end(), [&event](const TouchedRun& run) {
     return run.where.run == event.where.run;
   });
-  if (*event.state == UnitState::kUntouched) {
+  // A read-back that differs is no pass: what an earlier run left behind stays in doubt.
+  if (*event.state == UnitState::kUntouched || *event.state == UnitState::kDifferent) {
     if (known != runs.end()) runs.erase(known);
   } else if (!IsDoubtful(*event.state)) {
     runs.clear();

@@ -92,17 +92,12 @@ void StepRun::OnJudged(const Frame& frame) {
   }
   m_words = std::move(*words);
   m_words.said = m_output.TakeText();
-  const ExitStatus status = m_request.approve(m_words);
+  const ExitStatus status = m_request.approve(m_words, m_request);
   if (status != kExitPassed) {
     EndWithoutStart(status);
     return;
   }
   const auto& setting = *m_words.setting;
-  m_request.where.comm = setting.enumCommID;
-  if (m_request.where.place.empty()) {
-    m_request.where.place = "comm-" + std::to_string(setting.enumCommID);
-  }
-  if (m_request.where.unit.empty()) m_request.where.unit = m_request.where.place;
   m_trace.edp_mode = setting.enumEdpIspMode;
   std::string error;
   if (m_request.reads_back && !m_read_back.Plan(setting, m_request.ignored, error)) {

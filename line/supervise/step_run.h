@@ -31,7 +31,7 @@ struct Reporting {
 };
 
 struct StepRequest {
-  Where where;                     // run, unit, place, step; the step fills in the interface
+  Where where;                     // of the run; approve fills in the rest
   std::vector<std::string> words;  // zvisp's
   std::string plugin_directory;    // ends in "/"
   std::string data_directory;      // absolute
@@ -45,9 +45,10 @@ struct StepRequest {
   int copies_lock = -1;
   std::string dump_prefix;  // of the files for what is read back; a number follows
 
-  // Judges what the worker made of the words, and puts the private copies into the records.
-  // kExitPassed lets the step go on; with anything else it has reported why not.
-  std::function<ExitStatus(JudgedWords&)> approve;
+  // Judges what the worker made of the words, puts the private copies into the records, and
+  // completes the request by what is known now. kExitPassed lets the step continue; with anything
+  // else it has reported why not.
+  std::function<ExitStatus(JudgedWords&, StepRequest&)> approve;
   // The interface is locked and the plug-in is about to be called.
   std::function<void()> on_start;
 };

@@ -63,6 +63,13 @@ TEST_F(DoctorTest, AnUncertainEndIsNamedAndAGoodOneIsNot) {
   EXPECT_THAT(Named(record), ElementsAre("A r1 uncertain"));
 }
 
+TEST_F(DoctorTest, ALaterReadBackThatDiffersClearsNothing) {
+  RecordWriter record;
+  record.Programming("r1", "A", 1).Ends("r1", "A", 1, UnitState::kUncertain);
+  record.Ends("r2", "A", 1, UnitState::kDifferent);
+  EXPECT_THAT(Named(record), ElementsAre("A r1 uncertain"));
+}
+
 TEST_F(DoctorTest, ALaterPassClearsTheUnit) {
   RecordWriter record;
   record.Programming("r1", "A", 1).Programming("r2", "A", 1);
