@@ -12,10 +12,22 @@
 
 namespace {
 
+constexpr const char* kUnknown = "xx_YY.no-such-locale";
+
+// All that a remote shell may hand on.
+constexpr struct {
+  int category;
+  const char* variable;
+} kCategories[] = {{LC_CTYPE, "LC_CTYPE"},       {LC_COLLATE, "LC_COLLATE"},
+                   {LC_MESSAGES, "LC_MESSAGES"}, {LC_MONETARY, "LC_MONETARY"},
+                   {LC_NUMERIC, "LC_NUMERIC"},   {LC_TIME, "LC_TIME"}};
+
 class EnvironmentLocale : public testing::Test {
  protected:
   EnvironmentLocale() {
-    for (const char* const name : {"LC_ALL", "LC_CTYPE", "LC_NUMERIC", "LANG"})
+    for (const char* const name : {"LC_ALL", "LANG"})
+      unsetenv(name);
+    for (const auto& [category, name] : kCategories)
       unsetenv(name);
     std::setlocale(LC_ALL, "C");
   }
@@ -50,20 +62,46 @@ TEST_F(EnvironmentLocale, IsTheCLocaleWhenTheEnvironmentNamesNoneOrThat) {
 }
 
 TEST_F(EnvironmentLocale, FallsBackToUtf8WhenTheMachineLacksTheOneNamed) {
-  setenv("LC_ALL", "xx_YY.no-such-locale", 1);
+  setenv("LC_ALL", kUnknown, 1);
   const ScopedEnvironmentLocale environment;
   EXPECT_TRUE(ReadsUtf8());
 }
 
-TEST_F(EnvironmentLocale, FallsBackWhenOneCategoryNamesAnUnknownLocale) {
-  setenv("LANG", "C.UTF-8", 1);
-  setenv("LC_NUMERIC", "xx_YY.no-such-locale", 1);
+TEST_F(EnvironmentLocale, FallsBackToUtf8WhenTheMachineLacksThatOfTheCharacterTypeAlone) {
+  setenv("LANG", "C", 1);
+  setenv("LC_CTYPE", kUnknown, 1);
   const ScopedEnvironmentLocale environment;
   EXPECT_TRUE(ReadsUtf8());
+}
+
+TEST_F(EnvironmentLocale, TakesNothingFromTheOthersWhenOneCategoryIsUnknown) {
+  setenv("LANG", "C.UTF-8", 1);
+  for (const auto& [unknown, variable] : kCategories) {
+    std::setlocale(LC_ALL, "C");
+    setenv(variable, kUnknown, 1);
+    const ScopedEnvironmentLocale environment;
+    for (const auto& [category, name] : kCategories) {
+      const bool is_left = category == unknown && category != LC_CTYPE;
+      EXPECT_STREQ(std::setlocale(category, nullptr), is_left ? "C" : "C.UTF-8")
+          << variable << name;
+    }
+    unsetenv(variable);
+  }
+}
+
+TEST_F(EnvironmentLocale, KeepsTheCharacterTypeThatIsNamedWhenAnotherCategoryIsUnknown) {
+  setenv("LC_CTYPE", "C", 1);
+  for (const auto& [category, variable] : kCategories) {
+    if (category == LC_CTYPE) continue;
+    setenv(variable, kUnknown, 1);
+    const ScopedEnvironmentLocale environment;
+    EXPECT_FALSE(ReadsUtf8()) << variable;
+    unsetenv(variable);
+  }
 }
 
 TEST_F(EnvironmentLocale, KeepsNamesThatAreNotAsciiWorkingUnderAnUnknownLocale) {
-  setenv("LC_ALL", "xx_YY.no-such-locale", 1);
+  setenv("LC_ALL", kUnknown, 1);
   const CCpTransform transform;
   EXPECT_EQ(transform.ConvertUnicodeStringToANSI(L"\u00FC.bin"), "\xC3\xBC.bin");
   EXPECT_EQ(transform.ConvertCHARToUnicodeString("\xC3\xBC.bin"), L"\u00FC.bin");
