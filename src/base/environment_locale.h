@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The user's locale. Scripts and remote shells often carry a locale name that the machine lacks;
-// such a run must continue, with names that are not ASCII still working, so this is the one place
+// such a run must continue, and names that are not ASCII must still work, so this is the one place
 // that decides which locale counts.
 #ifndef ZVISP_BASE_ENVIRONMENT_LOCALE_H_
 #define ZVISP_BASE_ENVIRONMENT_LOCALE_H_

@@ -11,6 +11,9 @@
 //   - A line of 1024 characters or more, or one that the locale cannot read, ends the file: that
 //     line and all that follows do not exist for the reader, and are lost when the file is written.
 //
+// Only an ordinary file, or a link to one, can be opened: nothing here waits for the other end of a
+// FIFO, or reads a device without end.
+//
 // Nothing is locked. Of two writers at once, one may read the file after the other has truncated
 // it: the lines that it did not see are lost. Nothing throws but memory exhaustion.
 #ifndef ZVISP_SETTINGS_PROFILE_H_

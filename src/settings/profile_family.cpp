@@ -81,8 +81,8 @@ long long WideFamily::ParseInt(const wchar_t* text) {
   return std::wcstoll(text, nullptr, 0);
 }
 
-// What cannot be read (a directory, for instance) counts as bad text. The file is not shared with
-// another thread, so it is not locked for each byte.
+// What cannot be read counts as bad text. The file is not shared with another thread, so it is not
+// locked for each byte.
 ProfileInput NarrowFamily::Get(std::FILE* file, char& unit) {
   const int byte = getc_unlocked(file);
   if (byte == EOF) return std::ferror(file) != 0 ? ProfileInput::kBadText : ProfileInput::kEnd;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/ordinary_file.h"
 #include "settings/profile.h"
 #include "settings/profile_family.h"
 
@@ -25,9 +26,9 @@ class ProfileStream {
  public:
   using Char = typename Family::Char;
 
-  // The mode is that of fopen.
+  // The mode is "r" or "w". Only an ordinary file opens.
   ProfileStream(const Char* name, const char* mode)
-      : m_file(std::fopen(Family::FileName(name).c_str(), mode)) {}
+      : m_file(OpenOrdinaryFile(Family::FileName(name).c_str(), mode)) {}
 
   bool IsOpen() const { return m_file != nullptr; }
 

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <string>
 #include <vector>
 
@@ -92,10 +95,28 @@ TEST(ProfileReader, AMissingFileLeavesTheOutputUntouchedAndPrintsNothing) {
   EXPECT_EQ(Printed([&] { EXPECT_EQ(file.Read(L"S", L"k"), kUntouched); }), "");
 }
 
-TEST(ProfileReader, ADirectoryReadsAsAnEmptyFile) {
+TEST(ProfileReader, ADirectoryAndADeviceCannotBeOpened) {
+  const ProfileFile directory;
+  GivenDirectory(directory.Path());
+  EXPECT_EQ(directory.Read(L"S", L"k"), kUntouched);
+  const ProfileFile device;
+  ASSERT_EQ(symlink("/dev/zero", device.Path().c_str()), 0);
+  EXPECT_EQ(device.Read(L"S", L"k"), kUntouched);
+}
+
+// It would wait for a writer that never comes.
+TEST(ProfileReader, AFifoCannotBeOpened) {
   const ProfileFile file;
-  GivenDirectory(file.Path());
-  EXPECT_EQ(file.Read(L"S", L"k"), kDefault);
+  ASSERT_EQ(mkfifo(file.Path().c_str(), 0600), 0);
+  EXPECT_EQ(file.Read(L"S", L"k"), kUntouched);
+  EXPECT_EQ(file.ReadInt(L"S", L"k", 7), 7);
+}
+
+TEST(ProfileReader, ALinkToAnOrdinaryFileIsOne) {
+  const ProfileFile file("[S]\nk=v\n");
+  const ProfileFile link;
+  ASSERT_EQ(symlink(file.Path().c_str(), link.Path().c_str()), 0);
+  EXPECT_EQ(link.Read(L"S", L"k"), (ProfileRead{1, L"v"}));
 }
 
 TEST(ProfileReader, TheStatedBufferSizeIsNotUsed) {
