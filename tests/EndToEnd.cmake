@@ -32,6 +32,10 @@ foreach(call IN ITEMS SignFwExport VerifySignatureExport)
     SOURCES ${recording_sign} DEFINITIONS LACKS_${call})
 endforeach()
 
+if(NOT APPLE)
+  zvisp_add_test_plugin(looked_up SOURCES support/looked_up_plugin.c)
+endif()
+
 if(NOT TARGET zvisp)
   return()
 endif()

@@ -41,7 +41,8 @@ class Export<Result(Arguments...), kUnbound> : public ExportSlot {
   }
 };
 
-enum class ExportNeed { kRequired, kOptional };
+// kNeverLookedUp: no library gets it bound; it is in the table for what concerns every call.
+enum class ExportNeed { kRequired, kOptional, kNeverLookedUp };
 
 // One row of a proxy's table: the symbol, whether the library must have it, and its member.
 template <typename Proxy>
@@ -69,6 +70,7 @@ void UnbindExports(Proxy& proxy, const ExportRow<Proxy> (&table)[kRows]) {
 template <typename Proxy, std::size_t kRows>
 bool BindExports(void* library, Proxy& proxy, const ExportRow<Proxy> (&table)[kRows]) {
   for (const ExportRow<Proxy>& row : table) {
+    if (row.need == ExportNeed::kNeverLookedUp) continue;
     void* const address = dlsym(library, row.symbol);
     if (address == nullptr && row.need == ExportNeed::kRequired) return false;
     row.slot(proxy).Bind(address, row.symbol);

@@ -5,33 +5,38 @@
 
 #include "plugin/dynamic_library.h"
 
-namespace {
-
 using enum ExportNeed;
 
 // In the order of the look-up: the first required symbol that is missing ends it.
-// clang-format off
-constexpr ExportRow<CCpIsp> kIspExports[] = {
-  // symbol                        need       member
-  {"IspFlash",                    kRequired, Slot<&CCpIsp::IspFlash>},
-  {"SetCommInterface",            kRequired, Slot<&CCpIsp::SetCommInterface>},
-  {"RecordFWVersion",             kRequired, Slot<&CCpIsp::RecordFWVersion>},
-  {"GetKeyFromFlash",             kRequired, Slot<&CCpIsp::GetKeyFromFlash>},
-  {"SetUIFunction",               kRequired, Slot<&CCpIsp::SetUIFunction>},
-  {"DumpFlash",                   kRequired, Slot<&CCpIsp::DumpFlash>},
-  {"GetUserDefinedInfoFromDDCCI", kOptional, Slot<&CCpIsp::GetUserDefinedInfoFromDDCCI>},
-  {"IspEeprom",                   kOptional, Slot<&CCpIsp::IspEeprom>},
-  {"EnterISPModeExport",          kOptional, Slot<&CCpIsp::EnterISPModeExport>},
-  {"ResetMCUExport",              kOptional, Slot<&CCpIsp::ResetMCUExport>},
-  {"GetScalerType",               kOptional, Slot<&CCpIsp::GetScalerType>},
+struct CCpIsp::Table {
+  // clang-format off
+  static constexpr ExportRow<CCpIsp> kRows[] = {
+    // symbol                        need            member
+    {"IspFlash",                    kRequired,      Slot<&CCpIsp::IspFlash>},
+    {"SetCommInterface",            kRequired,      Slot<&CCpIsp::SetCommInterface>},
+    {"RecordFWVersion",             kRequired,      Slot<&CCpIsp::RecordFWVersion>},
+    {"GetKeyFromFlash",             kRequired,      Slot<&CCpIsp::GetKeyFromFlash>},
+    {"SetUIFunction",               kRequired,      Slot<&CCpIsp::SetUIFunction>},
+    {"DumpFlash",                   kRequired,      Slot<&CCpIsp::DumpFlash>},
+    {"GetUserDefinedInfoFromDDCCI", kOptional,      Slot<&CCpIsp::GetUserDefinedInfoFromDDCCI>},
+    {"IspEeprom",                   kOptional,      Slot<&CCpIsp::IspEeprom>},
+    {"EnterISPModeExport",          kOptional,      Slot<&CCpIsp::EnterISPModeExport>},
+    {"ResetMCUExport",              kOptional,      Slot<&CCpIsp::ResetMCUExport>},
+    {"GetScalerType",               kOptional,      Slot<&CCpIsp::GetScalerType>},
+    {"SetIDev",                     kNeverLookedUp, Slot<&CCpIsp::m_set_idev>},
+    {"GetFWInfo",                   kNeverLookedUp, Slot<&CCpIsp::GetFWInfo>},
+    {"SendUserDefinedInfo",         kNeverLookedUp, Slot<&CCpIsp::SendUserDefinedInfo>},
+    {"ChipEraseFlash",              kNeverLookedUp, Slot<&CCpIsp::ChipEraseFlash>},
+    {"GetMergeFwInfo",              kNeverLookedUp, Slot<&CCpIsp::GetMergeFwInfo>},
+    {"SetMergeFwInfo",              kNeverLookedUp, Slot<&CCpIsp::SetMergeFwInfo>},
+    {"I2CWriteExport",              kNeverLookedUp, Slot<&CCpIsp::I2CWriteExport>},
+  };
+  // clang-format on
 };
-// clang-format on
-
-}  // namespace
 
 void CCpIsp::Init() {
   m_library = nullptr;
-  UnbindExports(*this, kIspExports);
+  UnbindExports(*this, Table::kRows);
 }
 
 bool CCpIsp::LoadIspDllFile(const wchar_t* path) {
@@ -43,7 +48,7 @@ bool CCpIsp::LoadIspDllFile(const wchar_t* path) {
     return false;
   }
   m_library = opened.handle;
-  if (BindExports(m_library, *this, kIspExports)) return true;
+  if (BindExports(m_library, *this, Table::kRows)) return true;
   FreeIspDllFile();
   return false;
 }

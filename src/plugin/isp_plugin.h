@@ -43,6 +43,8 @@ class CCpIsp {
   int SetIDev(void* device);
 
  private:
+  struct Table;
+
   void* m_library = nullptr;
   Export<int(void*)> m_set_idev;
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "plugin/comm_plugin.h"
 #include "plugin/zeroed.h"
 #include "support/files.h"
 #include "support/printed.h"
@@ -113,6 +114,49 @@ TEST_F(IspPlugin, RefusesALibraryThatLacksARequiredCallWithoutAWord) {
     EXPECT_THAT(AnswersOfRequired(), Each(6)) << call;
     EXPECT_THAT(AnswersOfOptional(), Each(6)) << call;
   }
+}
+
+TEST_F(IspPlugin, HandsTheCommunicationObjectToTheLibrary) {
+  const ScratchDir directory;
+  ASSERT_TRUE(Load("recording_isp"));
+  setenv("ZVISP_RECORD_DIR", directory.Path().c_str(), 1);
+  CZvComm comm;
+  m_plugin.SetCommInterface(&comm);
+  m_plugin.SetCommInterface(nullptr);
+  unsetenv("ZVISP_RECORD_DIR");
+  EXPECT_EQ(ReadWholeFile(directory / "calls.txt"),
+            "SetCommInterface set\nSetCommInterface null\n");
+}
+
+TEST_F(IspPlugin, InitUnbindsEveryCallAndLeavesTheLibraryLoaded) {
+  const std::string path = std::string(ZVISP_TEST_PLUGIN_DIR) + "/recording_isp.dylib";
+  ASSERT_TRUE(Load("recording_isp"));
+  m_plugin.Init();
+  EXPECT_THAT(AnswersOfRequired(), Each(6));
+  EXPECT_THAT(AnswersOfOptional(), Each(6));
+  EXPECT_FALSE(m_plugin.SetCommInterface.IsBound());
+  EXPECT_FALSE(m_plugin.SetUIFunction.IsBound());
+  m_plugin.FreeIspDllFile();
+  void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  EXPECT_NE(library, nullptr) << "a library that was forgotten is not closed";
+  dlclose(library);
+}
+
+// Nothing of ours binds them, but their members are open to a host.
+TEST_F(IspPlugin, InitUnbindsTheCallsThatAreNeverLookedUp) {
+  const auto bind = [](ExportSlot& call) {
+    int (*const answer)(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING*) = [](auto*) { return 77; };
+    call.Bind(reinterpret_cast<void*>(answer), "answer");
+  };
+  bind(m_plugin.GetFWInfo);
+  bind(m_plugin.SendUserDefinedInfo);
+  bind(m_plugin.ChipEraseFlash);
+  bind(m_plugin.GetMergeFwInfo);
+  bind(m_plugin.SetMergeFwInfo);
+  bind(m_plugin.I2CWriteExport);
+  EXPECT_THAT(AnswersOfNeverBound(), Each(77));
+  m_plugin.Init();
+  EXPECT_THAT(AnswersOfNeverBound(), Each(6));
 }
 
 TEST_F(IspPlugin, ASecondLoadReplacesTheFirst) {

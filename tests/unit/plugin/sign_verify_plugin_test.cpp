@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "plugin/sign_verify_plugin.h"
 
+#include <dlfcn.h>
+
 #include <cstdlib>
 #include <string>
 
@@ -104,6 +106,18 @@ TEST_F(SignVerifyPlugin, RefusesAFileThatIsNotALibrary) {
 TEST_F(SignVerifyPlugin, HandsNoEmptyPathToTheLoader) {
   EXPECT_FALSE(::Load(m_plugin, L"", m_printed));
   EXPECT_THAT(m_printed, StartsWith("dlopen - "));
+}
+
+TEST_F(SignVerifyPlugin, InitUnbindsBothCallsAndLeavesTheLibraryLoaded) {
+  const std::string path = std::string(ZVISP_TEST_PLUGIN_DIR) + "/recording_sign.dylib";
+  ASSERT_TRUE(Load("recording_sign"));
+  m_plugin.Init();
+  EXPECT_EQ(Sign(), 16388);
+  EXPECT_EQ(Verify(), 16388);
+  m_plugin.FreeSignVerfiyDllFile();
+  void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD);
+  EXPECT_NE(library, nullptr) << "a library that was forgotten is not closed";
+  dlclose(library);
 }
 
 TEST_F(SignVerifyPlugin, FreeingUnbindsAndMayBeRepeated) {
