@@ -207,11 +207,12 @@ bool CommandLineReader::InsertFile(unsigned int slot, const std::string& path) {
   return InsertCommandFwFile(m_slots, slot, CCpTransform().ConvertStringToWString(path)) != 0;
 }
 
+// Kept quirk: control characters reach the terminal as they are. Scripts read this line.
 void CommandLineReader::PrintStrayWords(int argc, char** argv) const {
   if (m_scanner.GetCmdIndex() >= argc) return;
   std::printf("non-option ARGV-elements: ");
   for (int i = m_scanner.GetCmdIndex(); i < argc; ++i) {
-    std::printf("%s ", argv[i]);
+    if (argv[i] != nullptr) std::printf("%s ", argv[i]);
   }
   std::printf("\n");
 }

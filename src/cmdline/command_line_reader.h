@@ -24,7 +24,8 @@
 //
 // Prints on standard output, and continues:
 //   "illegal option ' %c '!\n"                      after each message of the scanner
-//   "non-option ARGV-elements: %s %s ... \n"        at the end, when words are left over
+//   "non-option ARGV-elements: %s %s ... \n"        at the end, when words are left over; as they
+//                                                   are, without those that are null
 // Prints on standard output, and returns false:
 //   "cann't find bin file!\n"                       --searchfw=auto in a directory without one
 //   "auto search fw parameter illegal!\n"           another value of --searchfw

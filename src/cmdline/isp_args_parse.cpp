@@ -5,6 +5,7 @@
 #include "firmware/firmware_slots.h"
 
 int CCpIspArgsParse::ParseArgs(int argc, char** argv) {
+  if (argv == nullptr) return 0;
   STRUCT_CP_ISP_CMD_ARGS args;
   return ParseArgs(argc, argv, args);
 }

@@ -27,7 +27,8 @@
 
 class CCpIspArgsParse {
  public:
-  // Reads and judges a command line; see cmdline/command_line_reader.h for what that prints.
+  // Reads and judges a command line; see cmdline/command_line_reader.h for what that prints. A null
+  // vector is refused without a word.
   int ParseArgs(int argc, char** argv);
   // The same for a host that also asks what was typed: REQUIRES a new record, which belongs to the
   // caller. After a refusal by an option it holds what was read before that option.

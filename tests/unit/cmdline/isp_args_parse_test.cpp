@@ -6,6 +6,7 @@
 
 #include "base/path.h"
 #include "support/command_line_fixture.h"
+#include "support/printed.h"
 #include "support/record_offsets.h"
 
 #include <gtest/gtest.h>
@@ -312,6 +313,20 @@ TEST_F(IspArgsParse, TheCallersRecordIsJudgedAndReturned) {
   EXPECT_EQ(m_parser->JudgeFwMap(map), 1);
   EXPECT_EQ(map.size(), 2u);
   EXPECT_EQ(map.count(6), 1u);
+}
+
+// A host may hand over what no shell does.
+TEST_F(IspArgsParse, ANullVectorIsRefusedAndANullWordIsPassedOver) {
+  EXPECT_EQ(m_parser->ParseArgs(3, nullptr), 0);
+  char tool[] = "zvisp";
+  char action[] = "--erase";
+  char first[] = "first";
+  char second[] = "se\033cond";
+  char* words[] = {tool, first, nullptr, action, second, nullptr};
+  int result = 0;
+  const std::string printed = Printed([&] { result = m_parser->ParseArgs(6, words); });
+  EXPECT_EQ(result, 1);
+  EXPECT_EQ(printed, "non-option ARGV-elements: first se\033cond \n") << "as it was typed";
 }
 
 }  // namespace
