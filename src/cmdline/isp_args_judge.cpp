@@ -24,6 +24,31 @@ int Refuse(const char* message) {
   return 0;
 }
 
+using Args = STRUCT_CP_ISP_CMD_ARGS;
+
+// The texts of a signed run, each of which goes into a buffer of kSignTextCapacity bytes.
+constexpr std::string Args::*kSignatureTexts[] = {
+    &Args::strBoot,          &Args::strFw,
+    &Args::strSignFile,      &Args::strKeyPair,
+    &Args::strVerifyKeyFile, &Args::strSignKeyFile,
+    &Args::strSubCertFile,   &Args::strNextVerifyKeyFile,
+};
+
+bool FitsASignedRun(const std::string& path) {
+  if (path.size() < kSignTextCapacity) return true;
+  std::printf("Path is too long for a signed run: %s\n", path.c_str());
+  return false;
+}
+
+// A path that is cut names another file. Then one file would be verified and another programmed,
+// or a signature would be written over the firmware.
+bool FitASignedRun(const Args& args, bool default_signature_file, const std::string& directory) {
+  for (std::string Args::*const text : kSignatureTexts) {
+    if (!FitsASignedRun(args.*text)) return false;
+  }
+  return !default_signature_file || FitsASignedRun(DefaultSignatureFile(args.strFw, directory));
+}
+
 }  // namespace
 
 int CCpIspArgsParse::JudgeArgument(STRUCT_CP_ISP_CMD_ARGS args) {
@@ -76,8 +101,10 @@ int CCpIspArgsParse::JudgeDigitalSignature(const STRUCT_CP_ISP_CMD_ARGS& args) {
   m_setting->enumSWDigitalSignatureMode = m_sign_args->enumSwMode;
   // strFw is slot 0: the files of --fw1 to --fw9 are never signed or verified.
   if (args.strFw.empty()) return Refuse("Program fw path is undefined!\n");
-  CopySignatureTexts(args);
   const std::uint32_t action = m_setting->enumActionType;
+  const bool default_signature_file = action == CP_ISPTOOL_ACTION_SIGN && args.strSignFile.empty();
+  if (!FitASignedRun(args, default_signature_file, m_current_dir)) return 0;
+  CopySignatureTexts(args);
   if (!IsSigningAction(action) && !ProgramsFirmware(action)) {
     // Kept quirk: the message says the opposite of what it means. Scripts match this text.
     return Refuse("Digital signature type should not be defined only when program fw!\n");

@@ -67,7 +67,21 @@ bool IsOwnName(const std::string& name, const std::string& current_dir) {
   return true;
 }
 
+bool RefuseMissing(const char* role, const std::string& path) {
+  std::printf("Digital signature: %s file is not exist! %s\n", role, path.c_str());
+  return false;
+}
+
+// A path that is cut names another file: what is verified would not be what was meant.
+bool Fits(const std::string& path) {
+  return path.size() < kSignTextCapacity;
+}
+
 }  // namespace
+
+std::string DefaultSignatureFile(const std::string& firmware, const std::string& directory) {
+  return GetFileFullPath(firmware, directory) + ".sig";
+}
 
 bool CCpDigitalSignArgsHandle::JudgeArgument(Args* args) const {
   return JudgeArgumentFwFileAndSigFile(args) && CheckKeys(*args);
@@ -97,12 +111,14 @@ bool CCpDigitalSignArgsHandle::GetSignatureFile(Action action, const std::string
                                                 char* signature_file) const {
   const std::string given = TextOf(signature_file);
   switch (action) {
-    case CP_DIGITAL_SIGNATURE_ACTION_SIGN:
+    case CP_DIGITAL_SIGNATURE_ACTION_SIGN: {
       if (!given.empty() && !IsOwnName(given, m_current_dir)) return false;
-      CopyUtf8ToBuffer(given.empty() ? GetFileFullPath(firmware, m_current_dir) + ".sig"
-                                     : GetFileFullPath(given, m_current_dir),
-                       signature_file, kSignTextCapacity);
+      const std::string path = given.empty() ? DefaultSignatureFile(firmware, m_current_dir)
+                                             : GetFileFullPath(given, m_current_dir);
+      if (!Fits(path)) return RefuseMissing(kSignature, path);
+      CopyUtf8ToBuffer(path, signature_file, kSignTextCapacity);
       return true;
+    }
     case CP_DIGITAL_SIGNATURE_ACTION_VERIFY:
       if (given.empty()) return Refuse("Signature file is missing!");
       return StoreExisting(kSignature, signature_file);
@@ -179,13 +195,10 @@ bool CCpDigitalSignArgsHandle::CheckKeys(Args& args) const {
   }
 }
 
-// Replaces the name by its full path when that file exists.
+// Replaces the name by its full path when that file exists and the path fits.
 bool CCpDigitalSignArgsHandle::StoreExisting(const char* role, char* file) const {
   const std::string path = GetFileFullPath(TextOf(file), m_current_dir);
-  if (!PathFileExist(path)) {
-    std::printf("Digital signature: %s file is not exist! %s\n", role, path.c_str());
-    return false;
-  }
+  if (!Fits(path) || !PathFileExist(path)) return RefuseMissing(role, path);
   CopyUtf8ToBuffer(path, file, kSignTextCapacity);
   return true;
 }

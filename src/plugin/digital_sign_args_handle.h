@@ -5,13 +5,18 @@
 //
 // Every check prints its one line on standard output when it refuses, and the first refusal ends
 // the judgement. A key file that is accepted has its name replaced by the full path. Names are
-// UTF-8 in buffers of kSignTextCapacity bytes; a path that does not fit is cut.
+// UTF-8 in buffers of kSignTextCapacity bytes. A file whose full path does not fit counts as
+// missing.
 #ifndef ZVISP_PLUGIN_DIGITAL_SIGN_ARGS_HANDLE_H_
 #define ZVISP_PLUGIN_DIGITAL_SIGN_ARGS_HANDLE_H_
 
 #include <string>
 
 #include "plugin/digital_sign_args.h"
+
+// The full path of the signature that signing the firmware writes when none is named. The directory
+// ends in "/".
+std::string DefaultSignatureFile(const std::string& firmware, const std::string& directory);
 
 class CCpDigitalSignArgsHandle {
  public:
@@ -26,9 +31,9 @@ class CCpDigitalSignArgsHandle {
   // The type, the firmware file and the signature file only.
   bool JudgeArgumentFwFileAndSigFile(STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* args) const;
 
-  // Stores the full path of the signature file. Signing without a name takes the firmware's full
-  // path with ".sig" appended; no file needs to exist, but a directory that is named has to, and
-  // the name is refused when it is a symbolic link's. Verifying needs an existing file.
+  // Stores the full path of the signature file. Signing without a name takes the default one; no
+  // file needs to exist, but a directory that is named has to, and the name is refused when it is a
+  // symbolic link's. Verifying needs an existing file.
   bool GetSignatureFile(ENUM_CP_DIGITAL_SIGNATURE_ACTION_TYPE action, const std::string& firmware,
                         char* signature_file) const;
 

@@ -93,12 +93,13 @@ TEST_F(BootCode, IsLeftAloneUnlessNewAndFactoryAndASignatureTypeAreGiven) {
   }
 }
 
-TEST_F(BootCode, APathIsCutSoThatItsTerminatorFits) {
-  const std::string path = "/" + std::string(400, 'b');
-  ExpectRun(Line(path), kBanner + "File open fail! "s + path.substr(0, 259) + "\n" + kSuccess, 0);
+TEST_F(BootCode, APathHasAsManyBytesAsFitWithTheirTerminator) {
+  const std::string path = "/" + std::string(258, 'b');
+  ExpectRun(Line(path), kBanner + "File open fail! "s + path + "\n" + kSuccess, 0);
   const std::vector<Call> calls = m_tool.TakeCalls();
   ASSERT_EQ(calls.size(), 3u);
-  EXPECT_TRUE(SameBytes(RecordBytes(calls[2].record), Main(path.substr(0, 259))));
+  EXPECT_TRUE(SameBytes(RecordBytes(calls[2].record), Main(path)));
+  ExpectRejected(Line(path + "b"), "Path is too long for a signed run: " + path + "b\n");
 }
 
 TEST_F(BootCode, AHardwareSignatureWithBootCodeIsProgrammedForEveryProgrammingAction) {

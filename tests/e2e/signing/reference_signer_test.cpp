@@ -151,14 +151,14 @@ TEST_F(ReferenceSigner, RefusesASoftwareTypeWithoutAMode) {
   ExpectNotVerified({"--verify", "--sw", "--fw", "fw.bin", "--signfile", "fw.sig"}, line);
 }
 
-TEST_F(ReferenceSigner, SigningFailsWhenAPathWasCutToThatOfTheFirmware) {
-  // The working directory, "/" and this name have 259 bytes; ".sig" does not fit behind them.
+TEST_F(ReferenceSigner, SigningIsRefusedWhenTheSignaturePathWouldBeCutToThatOfTheFirmware) {
+  // The working directory, "/" and this name have 259 bytes; ".sig" does not fit after them.
   const std::string name(259 - (m_tool / "").size(), 'f');
   GivenFile(m_tool / name, "firmware");
-  ExpectRun({"--sign", "--sw", "--dsmode", "3", "--fw", name, "--skfile", "sign.key"},
-            "Reference signer: the signature would overwrite a file that it is made from: " +
-                (m_tool / name) + "\n" + FailLine("0x4002"),
-            2);
+  const RunResult run =
+      m_tool.Run({"--sign", "--sw", "--dsmode", "3", "--fw", name, "--skfile", "sign.key"});
+  EXPECT_EQ(run.out,
+            "Path is too long for a signed run: " + (m_tool / name) + ".sig\n" + kRejected);
   EXPECT_EQ(ReadWholeFile(m_tool / name), "firmware");
 }
 

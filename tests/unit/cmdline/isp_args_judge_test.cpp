@@ -229,14 +229,49 @@ TEST_F(IspArgsJudge, TheSignatureTextsReachTheirFields) {
   }
 }
 
-TEST_F(IspArgsJudge, AnOverlongSignatureTextIsCutBeforeABrokenCharacter) {
+constexpr std::string STRUCT_CP_ISP_CMD_ARGS::*kSignatureTexts[] = {
+    &STRUCT_CP_ISP_CMD_ARGS::strBoot,          &STRUCT_CP_ISP_CMD_ARGS::strFw,
+    &STRUCT_CP_ISP_CMD_ARGS::strSignFile,      &STRUCT_CP_ISP_CMD_ARGS::strKeyPair,
+    &STRUCT_CP_ISP_CMD_ARGS::strVerifyKeyFile, &STRUCT_CP_ISP_CMD_ARGS::strSignKeyFile,
+    &STRUCT_CP_ISP_CMD_ARGS::strSubCertFile,   &STRUCT_CP_ISP_CMD_ARGS::strNextVerifyKeyFile,
+};
+
+// The hardware type checks no file before programming, so that nothing else refuses.
+TEST_F(IspArgsJudge, ASignatureTextThatDoesNotFitRefusesTheCommandLine) {
   GivenSlot("a.bin");
-  STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 2, "");
-  args.strSignFile = std::string(300, 's');
-  args.strKeyPair = std::string(258, 'k') + "\u00e4";
-  EXPECT_EQ(Judge(args), 1);
-  EXPECT_EQ(SignArgs().Narrow(kSignatureFile), std::string(259, 's'));
-  EXPECT_EQ(SignArgs().Narrow(sign_at::szKeyPair), std::string(258, 'k'));
+  for (std::string STRUCT_CP_ISP_CMD_ARGS::*const text : kSignatureTexts) {
+    STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 2, "");
+    args.*text = std::string(259, 't');
+    EXPECT_EQ(Judge(args), 1);
+    EXPECT_EQ(m_out, "");
+    args.*text += 't';
+    EXPECT_EQ(Judge(args), 0);
+    EXPECT_EQ(m_out, "Path is too long for a signed run: " + std::string(260, 't') + "\n");
+  }
+}
+
+TEST_F(IspArgsJudge, WithoutASignatureTypeNoTextIsTooLong) {
+  GivenSlot("a.bin");
+  for (std::string STRUCT_CP_ISP_CMD_ARGS::*const text : kSignatureTexts) {
+    STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 0, "");
+    args.*text = std::string(3000, 't');
+    EXPECT_EQ(Judge(args), 1);
+    EXPECT_EQ(m_out, "");
+  }
+}
+
+// It was cut to the firmware's own path, and a signer would have written over the firmware.
+TEST_F(IspArgsJudge, ADefaultSignaturePathThatDoesNotFitRefusesToSign) {
+  const std::string directory = GivenDirectory(m_scratch / std::string(150, 'd')) + "/";
+  for (const std::size_t bytes : {255u, 256u, 259u}) {
+    const std::string fw = GivenFile(directory + std::string(bytes - directory.size(), 'f'), "");
+    STRUCT_CP_ISP_CMD_ARGS args = Signature(kSign, 1, "2");
+    args.strFw = fw;
+    EXPECT_EQ(Judge(args), bytes == 255 ? 1 : 0) << bytes;
+    EXPECT_EQ(m_out, bytes == 255 ? "" : "Path is too long for a signed run: " + fw + ".sig\n");
+    args.strSignFile = "a.sig";
+    EXPECT_EQ(Judge(args), 1) << "a signature path of its own";
+  }
 }
 
 TEST_F(IspArgsJudge, TheBootCodeIsTakenOnlyWithASignatureType) {

@@ -290,17 +290,55 @@ TEST_F(DigitalSignArgsHandle, TheShortCheckLooksAtNoKeys) {
   EXPECT_EQ(args.szSignatureFile, Full("fw.sig"));
 }
 
-TEST_F(DigitalSignArgsHandle, CutsALongSignatureNameInsideItsBuffer) {
-  // 259 bytes of path fit with the terminating zero; ".sig" goes over that.
-  const std::string directory = m_directory / std::string(200, 'd');
-  const std::string firmware =
-      GivenFile(directory + "/" + std::string(259 - directory.size() - 1, 'f'), "");
-  ASSERT_EQ(firmware.size(), 259u);
-  Args args = Record({.fw = firmware.c_str(), .sign_file = "", .sign_key = "s.key"});
-  std::strcpy(args.szKeyPair, "untouched");
-  EXPECT_TRUE(Judge(args));
-  EXPECT_EQ(args.szSignatureFile, firmware);
-  EXPECT_STREQ(args.szKeyPair, "untouched");
+// Full paths of so many bytes, in a directory that names are relative to. Typed, such a name is
+// short enough; only the full path is not.
+class LongPath : public DigitalSignArgsHandle {
+ protected:
+  LongPath() { m_handle.SetCurrentDir(m_deep); }
+
+  std::string PathOf(std::size_t bytes) const {
+    return GivenFile(m_deep + std::string(bytes - m_deep.size(), 'f'), "");
+  }
+  std::string NameOf(const std::string& path) const { return path.substr(m_deep.size()); }
+
+  const std::string m_deep = GivenDirectory(m_directory / std::string(150, 'd')) + "/";
+};
+
+TEST_F(LongPath, CountsAsMissingWhenItDoesNotFit) {
+  for (const std::size_t bytes : {259u, 260u, 300u}) {
+    const std::string path = PathOf(bytes);
+    char verify_key[260] = "";
+    char sign_key[260] = "";
+    NameOf(path).copy(sign_key, 259);
+    bool accepted = false;
+    const std::string printed = ::Printed(
+        [&] { accepted = m_handle.CheckZrvExternalKeyFile(kSign, verify_key, sign_key); });
+    EXPECT_EQ(accepted, bytes == 259) << bytes;
+    EXPECT_EQ(printed, accepted ? ""
+                                : "Digital signature: Zrv external sign key file is not exist! " +
+                                      path + "\n");
+    EXPECT_EQ(sign_key, accepted ? path : NameOf(path)) << bytes;
+  }
+}
+
+TEST_F(LongPath, OfASignatureIsRefusedAndNotWritten) {
+  for (const std::size_t bytes : {259u, 260u, 263u}) {
+    for (const bool is_default : {true, false}) {
+      const std::string signature = PathOf(bytes - 4) + ".sig";
+      GivenFile(signature, "");
+      char file[260] = "";
+      if (!is_default) NameOf(signature).copy(file, 259);
+      const std::string before = file;
+      bool accepted = false;
+      const std::string printed =
+          ::Printed([&] { accepted = m_handle.GetSignatureFile(kSign, PathOf(bytes - 4), file); });
+      EXPECT_EQ(accepted, bytes == 259) << bytes << is_default;
+      EXPECT_EQ(
+          printed,
+          accepted ? "" : "Digital signature: Signature file is not exist! " + signature + "\n");
+      EXPECT_EQ(file, accepted ? signature : before) << bytes << is_default;
+    }
+  }
 }
 
 TEST_F(DigitalSignArgsHandle, AShorterPathLeavesNoTailOfTheNameBefore) {
