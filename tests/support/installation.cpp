@@ -56,6 +56,7 @@ Command Installation::Line(const std::vector<std::string>& arguments) const {
   command.arguments = arguments;
   command.directory = WorkDir();
   command.environment["ZVISP_RECORD_DIR"] = m_scratch / "calls";
+  command.environment["ZVISP_RECORD_DESCRIPTORS"] = "3";
   return command;
 }
 

@@ -33,7 +33,8 @@ class Installation {
   Installation& WithIspPlugin(const std::string& library);
   Installation& WithSignPlugin(const std::string& library);
 
-  // A run in the working directory whose calls are recorded.
+  // A run in the working directory whose calls are recorded. A run that leaks a descriptor aborts
+  // in the next call of a recording plug-in, or when that is unloaded.
   Command Line(const std::vector<std::string>& arguments) const;
   RunResult Run(const std::vector<std::string>& arguments) const;
 

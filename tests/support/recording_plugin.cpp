@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/recording_plugin.h"
 
+#include <fcntl.h>
+
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -41,14 +43,33 @@ unsigned long Number(const char* text) {
   return std::strtoul(text, nullptr, 0);
 }
 
+// Looks at the low numbers, which a process that opens files takes first.
+int CountOpenDescriptors() {
+  constexpr int kNumbers = 256;
+  int count = 0;
+  for (int descriptor = 0; descriptor < kNumbers; ++descriptor)
+    count += fcntl(descriptor, F_GETFD) != -1 ? 1 : 0;
+  return count;
+}
+
+// A run that has leaked a descriptor ends here, so that no test passes over it.
+void EndALeakingRun() {
+  const char* const limit = Wish("DESCRIPTORS");
+  if (limit == nullptr || CountOpenDescriptors() <= static_cast<int>(Number(limit))) return;
+  std::fprintf(stderr, "%d descriptors are open\n", CountOpenDescriptors());
+  std::abort();
+}
+
 // Runs when the library is closed or, if it never is, at the end of the process.
 __attribute__((destructor)) void TellUnloading() {
   if (const char* text = Wish("UNLOAD")) std::fputs(text, stdout);
+  EndALeakingRun();
 }
 
 }  // namespace
 
 RecordedCall::RecordedCall(const char* name, const std::string& arguments) : m_name(name) {
+  EndALeakingRun();
   const std::string log = RecordPath("calls.txt");
   m_number = CountLines(log);
   const std::string line = m_name + arguments + "\n";
@@ -76,6 +97,9 @@ int RecordedCall::Answer(int success) {
     // What the call printed reaches the reader before the crash, as with a plug-in that flushes.
     std::fflush(stdout);
     std::raise(static_cast<int>(Number(signal)));
+  }
+  if (const char* path = Wish("REPLACE_" + m_name)) {
+    if (std::rename((std::string(path) + ".new").c_str(), path) != 0) std::abort();
   }
   const char* const result = Wish("RESULT_" + m_name);
   return result == nullptr ? success : static_cast<int>(Number(result));

@@ -11,6 +11,10 @@
 //   ZVISP_RECORD_PRINT          text that each call prints on standard output
 //   ZVISP_RECORD_UNLOAD         text that the library prints when it is unloaded
 //   ZVISP_RECORD_CRASH          number of the signal that a call raises after recording it
+//   ZVISP_RECORD_REPLACE_<Name> path of a file: the call of that name renames the file with ".new"
+//                               appended onto it
+//   ZVISP_RECORD_DESCRIPTORS    how many descriptors may be open in a call and at the unloading;
+//                               with more the process aborts
 //
 // "calls.txt" gets a line for each call: its name and what the other arguments were. The record
 // goes to "<number>.record", the key to "<number>.key", the number counting the calls from 0.

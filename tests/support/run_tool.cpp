@@ -90,6 +90,19 @@ void Redirect(int descriptor, const char* path, int flags) {
   if (opened != descriptor) close(opened);
 }
 
+// What the test's own program has open is not the run's.
+void CloseAllButTheStandardStreams() {
+  constexpr int kNumbers = 256;
+  for (int descriptor = STDERR_FILENO + 1; descriptor < kNumbers; ++descriptor)
+    close(descriptor);
+}
+
+// The end of a pipe that nobody reads.
+void LeaveThePipeWithoutAReader() {
+  int ends[2] = {-1, -1};
+  if (pipe(ends) != 0 || dup2(ends[1], STDOUT_FILENO) < 0) _exit(kCannotStart);
+}
+
 void EnterDirectory(const Command& command) {
   if (command.directory.empty()) return;
   if (chdir(command.directory.c_str()) != 0) _exit(kCannotStart);
@@ -106,6 +119,9 @@ void RedirectOutput(OutputTo output, const char* capture_path) {
       break;
     case OutputTo::kFullDisk:
       Redirect(STDOUT_FILENO, "/dev/full", O_WRONLY);
+      break;
+    case OutputTo::kNoReader:
+      LeaveThePipeWithoutAReader();
       break;
   }
 }
@@ -132,6 +148,7 @@ StartedRun::StartedRun(const Command& command)
   Redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
   Redirect(STDERR_FILENO, m_err_path.c_str(), O_WRONLY | O_APPEND);
   RedirectOutput(command.output, m_out_path.c_str());
+  CloseAllButTheStandardStreams();
   if (command.without_privileges) DropPrivileges();
   if (launched) {
     environ = const_cast<char**>(environment.data());

@@ -19,8 +19,9 @@ struct RunResult {
   int signal = 0;   // the signal that ended it, or 0
 };
 
-// Where standard output goes.
-enum class OutputTo { kCapture, kClosed, kFullDisk };
+// Where standard output goes: to the result, nowhere, to a disk without room, or into a pipe whose
+// reader has left.
+enum class OutputTo { kCapture, kClosed, kFullDisk, kNoReader };
 
 // What to start, and in which surroundings.
 struct Command {
