@@ -6,10 +6,13 @@
 #include <iterator>
 #include <memory>
 #include <new>
+#include <optional>
 
+#include "app/verified_file.h"
 #include "base/path.h"
 #include "cmdline/isp_args_parse.h"
 #include "firmware/bank_map.h"
+#include "firmware/firmware_slots.h"
 #include "plugin/fresh_setting.h"
 #include "plugin/isp_plugin.h"
 #include "plugin/zeroed.h"
@@ -37,6 +40,7 @@ struct Run {
   void* device;
   CCpIsp isp;
   CCpSignVerify sign_verify;
+  std::optional<VerifiedFile> verified_file;  // set when the signature was checked
 };
 
 // Without a directory there is no plug-in in it: a bare name would make the loader look in the
@@ -99,11 +103,14 @@ constexpr ActionRow kActions[] = {
 // clang-format on
 
 std::uint32_t Dispatch(Run& run) {
-  const auto is_action = [action = run.setting->enumActionType](const ActionRow& row) {
-    return row.action == action;
-  };
+  const std::uint32_t action = run.setting->enumActionType;
+  const auto is_action = [action](const ActionRow& row) { return row.action == action; };
   const auto row = std::find_if(std::begin(kActions), std::end(kActions), is_action);
   if (row == std::end(kActions)) return 0;
+  // The last look before the call: what happens between the two is not seen (docs/signing.md).
+  if (run.verified_file && ProgramsFirmware(action) && !run.verified_file->IsUnchanged()) {
+    return kVerificationFailed;
+  }
   return static_cast<std::uint32_t>(row->call(run.isp, run.setting));
 }
 
@@ -137,6 +144,13 @@ std::uint32_t VerifyWithDeviceKey(Run& run) {
   return Verify(run, reinterpret_cast<char*>(key));
 }
 
+// A genuine file does not speak for another one. The map's paths are shorter than the request's, so
+// a long path may be cut there and lead elsewhere. A host's own record may program without a map.
+bool ProgramsOtherFiles(const Run& run) {
+  return ProgramsFirmware(run.setting->enumActionType) && run.setting->stMapFw.ulCount != 0 &&
+         !run.verified_file->IsIn(run.setting->stMapFw);
+}
+
 // Verifies the file of --fw alone: not the other slots, not in factory mode, no hardware signature.
 std::uint32_t CheckSignature(Run& run) {
   if (run.setting->enumIspMode != ISP_MODE_NORMAL) return 0;
@@ -144,8 +158,11 @@ std::uint32_t CheckSignature(Run& run) {
   if (const std::uint32_t result = LoadSignPlugIn(run); result != 0) return result;
   const bool key_is_on_device =
       run.sign_args->enumSwMode == CP_DIGITAL_SIGNATURE_SW_MODE_EXTERNAL_NEXT_KEY;
+  run.verified_file.emplace(*run.sign_args);
   const std::uint32_t result = key_is_on_device ? VerifyWithDeviceKey(run) : Verify(run, nullptr);
-  return result != 0 ? result : RefreshHubDevice(run);
+  if (result != 0) return result;
+  if (!run.verified_file->IsUnchanged() || ProgramsOtherFiles(run)) return kVerificationFailed;
+  return RefreshHubDevice(run);
 }
 
 // Null when memory is exhausted, for the parser itself or for the records that it holds.
@@ -214,7 +231,7 @@ std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
                                  STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
                                  const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
                                  void* device) {
-  Run run = {setting, signArgs, InDirectory(plugInDirectory, signPlugIn), device, {}, {}};
+  Run run = {setting, signArgs, InDirectory(plugInDirectory, signPlugIn), device, {}, {}, {}};
   if (setting->enumActionType == CP_ISPTOOL_ACTION_SIGN ||
       setting->enumActionType == CP_ISPTOOL_ACTION_VERIFY) {
     return SignOrVerifyFile(run);

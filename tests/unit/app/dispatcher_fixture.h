@@ -51,8 +51,12 @@ class DispatcherTest : public testing::Test {
 
   // What a call answers from now on.
   void GivenAnswer(const std::string& call, const std::string& number) {
-    m_wishes.push_back("ZVISP_RECORD_RESULT_" + call);
-    setenv(m_wishes.back().c_str(), number.c_str(), 1);
+    GivenWish("RESULT_" + call, number);
+  }
+  // Any other wish of support/recording_plugin.h.
+  void GivenWish(const std::string& name, const std::string& value) {
+    m_wishes.push_back("ZVISP_RECORD_" + name);
+    setenv(m_wishes.back().c_str(), value.c_str(), 1);
   }
 
   // Programming with a software signature that is verified before.
