@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/execute_process.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -217,6 +219,15 @@ std::uint32_t RunOnDevice(Run& run, const CCpZvString& isp_plugin_path) {
   return result;
 }
 
+// A plug-in is code that its caller may have written: with the rights of another user it could do
+// anything in that user's name. The group's rights alone, which give access to a device, are fine.
+bool RefuseForeignUser() {
+  if (getuid() == geteuid()) return false;
+  std::printf(
+      "Plug-ins are not loaded into a set-uid program: remove the set-uid bit of the executable\n");
+  return true;
+}
+
 }  // namespace
 
 std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
@@ -231,6 +242,7 @@ std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
                                  STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
                                  const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
                                  void* device) {
+  if (RefuseForeignUser()) return kIspPluginNotLoaded;
   Run run = {setting, signArgs, InDirectory(plugInDirectory, signPlugIn), device, {}, {}, {}};
   if (setting->enumActionType == CP_ISPTOOL_ACTION_SIGN ||
       setting->enumActionType == CP_ISPTOOL_ACTION_VERIFY) {

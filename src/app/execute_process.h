@@ -38,7 +38,8 @@ extern void (*g_funcBeforeIspCall)(const char* exportName);
 // plug-in loaders print, and "Get Key From Flash ...\n" before it reads a key from the device.
 // Where a signature is verified before firmware is programmed, the verified file has to be in the
 // map, unless that is empty, and unchanged until the call that programs; else the result is
-// kVerificationFailed.
+// kVerificationFailed. In a set-uid process it prints one line and loads no plug-in: the result is
+// kIspPluginNotLoaded, for signing and verifying, too.
 // A run that ends early leaves its plug-ins loaded until the process ends.
 std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
                              STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs, CCpZvString& ispPlugIn,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // One run of the tool: parse, banner, records, execute, report, free.
+#include <csignal>
 #include <cstdio>
 
 #include "app/banner.h"
@@ -37,6 +38,8 @@ std::uint32_t ExecuteWithHeapRecords(const CCpIspArgsParse& parser) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // Whoever reads our output may leave at any time; that must not end a run half way through.
+  std::signal(SIGPIPE, SIG_IGN);
   PrepareStandardStreams();
   // The communication object of the process: this tool loads no library into it.
   const CZvComm comm;

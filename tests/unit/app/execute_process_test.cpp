@@ -4,6 +4,8 @@
 // boot_code_test.cpp.
 #include "app/execute_process.h"
 
+#include <unistd.h>
+
 #include <string>
 
 #include "support/record_offsets.h"
@@ -184,6 +186,30 @@ TEST(LoadSignVerfiyDll, TakesThePathAndNotTheDirectory) {
   EXPECT_THAT(Printed([&] { result = LoadSignVerfiyDll(proxy, path, L"/nowhere/x.dylib"); }),
               StartsWith("dlopen - "));
   EXPECT_EQ(result, 16388u);
+}
+
+// Real and effective user or group differ, as in a program with the set-uid or set-gid bit.
+TEST_F(ExecuteProcessOf, ASetUidProcessLoadsNoPlugIn) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
+  for (const std::uint32_t action : {1u, 2u, 4u, 9u}) {
+    ASSERT_EQ(seteuid(65534), 0);
+    const std::uint32_t result = Execute(action);
+    ASSERT_EQ(seteuid(0), 0);
+    EXPECT_EQ(result, 3431u) << action;
+    EXPECT_EQ(m_out,
+              "Plug-ins are not loaded into a set-uid program: remove the set-uid bit of the "
+              "executable\n");
+  }
+  EXPECT_THAT(Calls(), IsEmpty());
+}
+
+TEST_F(ExecuteProcessOf, ASetGidProcessLoadsPlugIns) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can take another group";
+  ASSERT_EQ(setegid(65534), 0);
+  const std::uint32_t result = Execute(4);
+  ASSERT_EQ(setegid(0), 0);
+  EXPECT_EQ(result, 0u);
+  EXPECT_THAT(Calls(), testing::Contains("IspFlash"));
 }
 
 }  // namespace
