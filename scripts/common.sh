@@ -61,7 +61,9 @@ clean_root() {
 
 # remove_root DIRECTORY: takes such a system away again; an error leaves its files, never others'.
 remove_root() {
-  if mountpoint -q "$1/proc"; then umount "$1/proc"; fi
-  if mountpoint -q "$1/dev/shm"; then umount "$1/dev/shm"; fi
+  local mounted
+  for mounted in proc dev/shm dev/pts; do
+    if mountpoint -q "$1/$mounted"; then umount "$1/$mounted"; fi
+  done
   rm -rf --one-file-system "$1"
 }
