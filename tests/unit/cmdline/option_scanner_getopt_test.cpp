@@ -33,7 +33,8 @@
 
 namespace {
 
-constexpr int kTables = 6000;
+// 10,010 vectors every day, and 330,000 in the slow tests, where ZVISP_THOROUGH is set.
+const int kTables = std::getenv("ZVISP_THOROUGH") == nullptr ? 182 : 6000;
 constexpr int kVectorsPerTable = 55;
 constexpr std::uint32_t kSeed = 20240229;
 constexpr int kUntouched = -77;
@@ -314,13 +315,13 @@ void CompareOnRandomVectors(int tables, bool long_only, Tally& tally) {
   }
 }
 
-TEST(OptionScannerAndGetopt, AgreeOnThreeHundredThousandRandomVectors) {
+TEST(OptionScannerAndGetopt, AgreeOnRandomVectors) {
   Tally tally;
   CompareOnRandomVectors(kTables, false, tally);
-  EXPECT_EQ(tally.vectors, 330000);
+  EXPECT_GE(tally.vectors, 10000);
   for (const int seen : {tally.errors, tally.missing, tally.stored, tally.letters,
                          tally.long_values, tally.arguments}) {
-    EXPECT_GT(seen, 5000);
+    EXPECT_GT(seen, tally.vectors / 66);
   }
 }
 
@@ -329,10 +330,10 @@ TEST(OptionScannerAndGetopt, AgreeOnThreeHundredThousandRandomVectors) {
 TEST(OptionScannerAndGetopt, AgreeInLongOnlyMode) {
   Tally tally;
   CompareOnRandomVectors(kTables / 4, true, tally);
-  EXPECT_EQ(tally.vectors, 82500);
+  EXPECT_GE(tally.vectors, 2000);
   for (const int seen : {tally.errors, tally.missing, tally.stored, tally.letters,
                          tally.long_values, tally.arguments}) {
-    EXPECT_GT(seen, 1000);
+    EXPECT_GT(seen, tally.vectors / 82);
   }
 }
 #endif
