@@ -1,8 +1,14 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Builds and runs every benchmark, each beside a reference in the same run, and prints the ratios.
-# Usage: scripts/bench.sh [build directory]
+# Builds and runs the benchmarks, each next to a reference in the same run, and prints the ratios.
+#
+#   scripts/bench.sh [BUILD_DIRECTORY]            parts of the tool, and whole runs
+#   scripts/bench.sh search [EXECUTABLE]          a search in directories of many files
+#   scripts/bench.sh signing [EXECUTABLE [ROUNDS]]    signing and verifying
 set -euo pipefail
+case ${1:-} in
+  search | signing) exec "$(dirname "$0")/../bench/$1.sh" "${@:2}" ;;
+esac
 cd "$(dirname "$0")/.."
 
 build=${1:-build/bench}

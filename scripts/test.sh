@@ -40,10 +40,11 @@ while [ $# -gt 0 ]; do
   shift
 done
 
-# Prints the names of the GoogleTest tests in some sources, "Suite.Name" each.
+# Prints the names of the GoogleTest tests in some sources, "Suite.Name" each, and with the prefix
+# that the tests of zvisp-line have.
 names_in() {
   cat "$@" | tr '\n' ' ' | grep -oE 'TEST(_F)?\( *[A-Za-z0-9_]+, *[A-Za-z0-9_]+ *\)' |
-    sed -E 's/^.*\( *([A-Za-z0-9_]+), *([A-Za-z0-9_]+) *\)$/\1.\2/'
+    sed -E 's/^.*\( *([A-Za-z0-9_]+), *([A-Za-z0-9_]+) *\)$/\1.\2/' | sed 'p; s/^/line./'
 }
 
 # Prints the targets that the selected tests need, or nothing, which builds everything. The build

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Signs and verifies 1 MiB and 16 MiB with the tool and its reference signer, and beside it with
+# Signs and verifies 1 MiB and 16 MiB with the tool and its reference signer, and next to it with
 # "openssl pkeyutl -rawin", which does the same Ed25519 work. The programs take turns; the table has
 # the medians in milliseconds, wall clock / processor: on a busy machine only the second says much.
 #
-#   scripts/bench-signing.sh [<executable> [<rounds>]]
+#   scripts/bench.sh signing [EXECUTABLE [ROUNDS]]
 set -euo pipefail
 
 tool=$(realpath "${1:-build/bin/zvisp}")

@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # Fails unless every ELF file given carries the protection that we ship with; names what is missing.
 #
-#   scripts/check-hardening.sh FILE...
+#   check.sh FILE...
 set -eu
 export LC_ALL=C
 failures=0

@@ -1,18 +1,19 @@
 #!/bin/bash
 # SPDX-License-Identifier: MIT
-# Times a whole run of a prefix search beside "ls -f | grep" on the same directory, best of seven.
-# Usage: scripts/bench-search.sh [executable]
+# Times a whole run of a prefix search next to "ls -f | grep" on the same directory, best of seven.
+#
+#   scripts/bench.sh search [EXECUTABLE]
 set -euo pipefail
 
 tool=$(cd "$(dirname "${1:-build/bin/zvisp}")" && pwd)/$(basename "${1:-build/bin/zvisp}")
 scratch=$(mktemp -d "${TMPDIR:-/tmp}/zvisp-bench.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
 
-# Nothing matches, so the run ends right behind the search.
+# Nothing matches, so the run ends right after the search.
 printf '[ISP_Fw]\nstrFwPrefix=none\n' > "$scratch/search.ini"
 
 search() { "$tool" --isp --settingfile "$scratch/search.ini" --searchfw prefix; }
-# shellcheck disable=SC2010  # this pipe is what the search is measured beside
+# shellcheck disable=SC2010  # this pipe is what the search is compared with
 list() { ls -f | grep '^none.*\.bin$' || true; }
 
 # Seconds of the fastest of seven runs.
