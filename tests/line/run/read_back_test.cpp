@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What is read back, and what it is compared with.
+#include <csignal>
 #include <string>
 
 #include "line/support/line_tool.h"
@@ -117,6 +118,24 @@ TEST_F(ReadBackOf, AReadThatFailsLeavesTheDisplayProgrammed) {
 TEST_F(ReadBackOf, ACrashWhileItReadsLeavesTheDisplayProgrammed) {
   m_line.AllDisplays().GivenFaults(3, "crash call=2\n");
   ExpectResult(m_line.Run(Programming("--isp"), {"--readback"}), 1, "crashed", "programmed", "0");
+}
+
+TEST_F(ReadBackOf, TheTimeOutCoversTheReadBack) {
+  m_line.AllDisplays().GivenFaults(3, "hang call=2\n");
+  ExpectResult(m_line.Run(Programming("--isp"), {"--readback", "--timeout", "1"}), 1, "timed_out",
+               "programmed", "0");
+}
+
+TEST_F(ReadBackOf, AnOrphanRecordsThatItWasProgrammedAndNotReadBack) {
+  m_line.AllDisplays().GivenFaults(3, "slow call=1 ms=300\n");
+  StartedRun run(m_line.Line("run", {"--readback"}, Programming("--isp")));
+  ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "erase bank=1"));
+  run.Kill(SIGKILL);
+  run.Wait();
+  ASSERT_TRUE(m_line.WaitForRecord("\"type\":\"unit_result\""));
+  const std::string result = EventOf(m_line.Record(), "result");
+  EXPECT_EQ(FieldOf(result, "outcome"), "interrupted");
+  EXPECT_EQ(FieldOf(result, "state"), "programmed");
 }
 
 TEST_F(ReadBackOf, TheCommandReadbackNeverWrites) {

@@ -18,8 +18,6 @@ namespace {
 
 using testing::HasSubstr;
 
-constexpr int kPolls = 3000;
-
 class RunOf : public testing::Test {
  protected:
   RunOf() { GivenFirmware(m_line / "fw.bin", 3 * 65536); }
@@ -30,18 +28,6 @@ class RunOf : public testing::Test {
   // On interface 0.
   static LineTool::Words ProgrammingWithoutInterface() { return {"--isp", "--fw", "fw.bin"}; }
   void GivenFaults(const std::string& faults) const { m_line.AllDisplays().GivenFaults(3, faults); }
-
-  // Waits for a text in the record.
-  bool WaitForRecord(const std::string& text) const {
-    for (int i = 0; i < kPolls; ++i) {
-      if (FileExists(m_line.DataDirectory() + "/journal") &&
-          m_line.Record().find(text) != std::string::npos) {
-        return true;
-      }
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    return false;
-  }
 
   static void ExpectResult(const RunResult& run, int status, const std::string& outcome,
                            const std::string& state) {
@@ -207,7 +193,7 @@ TEST_F(RunOf, AnOrphanFinishesAndRecordsItsResult) {
   ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "erase bank=0"));
   run.Kill(SIGKILL);
   EXPECT_EQ(run.Wait().signal, SIGKILL);
-  ASSERT_TRUE(WaitForRecord("\"type\":\"unit_result\""));
+  ASSERT_TRUE(m_line.WaitForRecord("\"type\":\"unit_result\""));
   const std::string result = EventOf(m_line.Record(), "unit_result");
   EXPECT_EQ(FieldOf(result, "outcome"), "passed");
   EXPECT_EQ(FieldOf(result, "state"), "programmed");
@@ -222,7 +208,7 @@ TEST_F(RunOf, AnOrphanKeepsItsInterface) {
   run.Kill(SIGKILL);
   run.Wait();
   EXPECT_EQ(m_line.Run(Programming()).status, 3);
-  ASSERT_TRUE(WaitForRecord("\"type\":\"unit_result\""));
+  ASSERT_TRUE(m_line.WaitForRecord("\"type\":\"unit_result\""));
 }
 
 }  // namespace

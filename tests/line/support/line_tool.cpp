@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "line/support/line_tool.h"
 
-#include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <sstream>
+#include <thread>
 
 #include "support/files.h"
 
@@ -47,11 +48,20 @@ RunResult LineTool::Doctor() const {
 
 std::string LineTool::Record() const {
   std::string all;
-  if (!FileExists(DataDirectory())) return all;
+  if (!FileExists(DataDirectory() + "/journal")) return all;
   for (const auto& entry : fs::directory_iterator(DataDirectory() + "/journal")) {
     if (entry.path().extension() == ".jsonl") all += ReadWholeFile(entry.path().string());
   }
   return all;
+}
+
+bool LineTool::WaitForRecord(const std::string& text) const {
+  constexpr int kPolls = 3000;
+  for (int i = 0; i < kPolls; ++i) {
+    if (Record().find(text) != std::string::npos) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return false;
 }
 
 std::vector<std::string> EventsOf(const std::string& json_lines, const std::string& type) {

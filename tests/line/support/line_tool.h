@@ -33,6 +33,8 @@ class LineTool {
   std::string Executable() const { return m_tool.ToolDir() + "zvisp-line"; }
   // All lines of the record.
   std::string Record() const;
+  // Waits until a text is in the record; false when it is not within half a minute.
+  bool WaitForRecord(const std::string& text) const;
 
  private:
   Command LineOf(const Words& arguments) const;
