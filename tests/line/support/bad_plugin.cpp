@@ -124,15 +124,16 @@ int Overrun(Setting* setting) {
   return 0;
 }
 
+// The second process is first to return in both.
 int ForkThatSucceeds(Setting*) {
-  return fork() == 0 ? 0 : 7;
+  if (fork() == 0) return 0;
+  usleep(200000);
+  return 7;
 }
 
 int ForkThatSurvives(Setting*) {
-  if (fork() == 0) {
-    usleep(100000);
-    return 0;
-  }
+  if (fork() == 0) return 0;
+  usleep(200000);
   _exit(0);
 }
 
