@@ -2,7 +2,7 @@
 #include "line/supervise/supervisor.h"
 
 #include <poll.h>
-#include <string.h>
+#include <signal.h>
 
 #include <algorithm>
 #include <string>
@@ -14,6 +14,9 @@ namespace {
 
 // Clocks, time-outs and what plug-ins print are looked after ten times a second.
 constexpr int kTickMs = 100;
+// A terminal that is closed sends SIGHUP twice, once itself and once by its shell; nobody asked a
+// second time for that.
+constexpr std::uint64_t kSameHangUpMs = 2000;
 
 bool AllAreDone(const std::vector<StepRun*>& steps) {
   return std::all_of(steps.begin(), steps.end(),
@@ -74,12 +77,18 @@ void Supervisor::TakeSignals(const std::vector<StepRun*>& steps) {
 
 void Supervisor::Stop(const std::vector<StepRun*>& steps, int signal) {
   const bool first = m_stop_signal == 0;
-  if (first) m_stop_signal = signal;
+  const std::uint64_t now = MonotonicMs();
+  if (first) {
+    m_stop_signal = signal;
+    m_stopped_ms = now;
+  } else if (signal == SIGHUP && now - m_stopped_ms < kSameHangUpMs) {
+    return;
+  }
   for (StepRun* const step : steps) {
     if (first) {
       step->StartNothingNew();
     } else {
-      step->Interrupt(MonotonicMs());
+      step->Interrupt(now);
     }
   }
   if (AllAreDone(steps)) return;

@@ -19,7 +19,8 @@ class Supervisor {
   explicit Supervisor(Reporting reporting) : m_reporting(reporting) {}
 
   // Starts the steps, and returns when all of them are done. The first signal of the operator
-  // starts nothing new, and says so; the second one ends what runs.
+  // starts nothing new, and says so; the second one ends what runs. Two SIGHUP at once count as
+  // one.
   void Run(const std::vector<StepRun*>& steps);
 
   // The operator's first signal; 0 for none.
@@ -34,6 +35,7 @@ class Supervisor {
   Reporting m_reporting;
   StopSignals m_signals;
   int m_stop_signal = 0;
+  std::uint64_t m_stopped_ms = 0;
 };
 
 }  // namespace line

@@ -157,12 +157,23 @@ TEST_F(RunOf, TheSecondSignalEndsARunningCall) {
     StartedRun run(m_line.Line("run", {}, Programming(std::to_string(comm))));
     ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(comm, "erase bank=1"));
     run.Kill(signal);
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::this_thread::sleep_for(std::chrono::milliseconds(signal == SIGHUP ? 2100 : 50));
     run.Kill(signal);
     const RunResult result = run.Wait();
     EXPECT_EQ(result.signal, 0);
     ExpectResult(result, 5, "interrupted", "uncertain");
   }
+}
+
+// The terminal itself and its shell both say so.
+TEST_F(RunOf, AClosingTerminalLetsARunningCallFinish) {
+  GivenFaults("slow ms=300\n");
+  StartedRun run(m_line.Line("run", {}, Programming()));
+  ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "erase bank=0"));
+  run.Kill(SIGHUP);
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  run.Kill(SIGHUP);
+  ExpectResult(run.Wait(), 0, "passed", "programmed");
 }
 
 TEST_F(RunOf, ASignalBeforeTheStartKeepsTheDisplayUntouched) {
