@@ -138,8 +138,8 @@ start_swapper() {
   case $swap in
     renamed)
       while :; do
-        cp a.bin next && mv next fw.bin
-        cp b.bin next && mv next fw.bin
+        cp a.bin "next-$BASHPID" && mv "next-$BASHPID" fw.bin
+        cp b.bin "next-$BASHPID" && mv "next-$BASHPID" fw.bin
       done & ;;
     rewritten)
       while :; do

@@ -386,6 +386,7 @@ void StepRun::OnTick(std::uint64_t now_ms) {
 void StepRun::StartNothingNew() {
   if (m_stage != Stage::kJudging && m_stage != Stage::kLocking) return;
   m_end.interrupted = true;
+  EmitError("interrupted", "The run was stopped before it began; its display is untouched.");
   EndWithoutStart(kExitInterrupt);
 }
 

@@ -190,6 +190,7 @@ TEST_F(RunOf, ASignalBeforeTheStartKeepsTheDisplayUntouched) {
     run.Kill(test.signal);
     const RunResult result = run.Wait();
     EXPECT_EQ(result.status, test.status) << result.out;
+    EXPECT_EQ(FieldOf(EventOf(result.out, "error"), "id"), "interrupted");
     EXPECT_EQ(EventOf(result.out, "unit_result"), "");
   }
   first.Kill(SIGINT);
