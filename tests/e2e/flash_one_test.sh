@@ -92,11 +92,12 @@ printf 'not a library' >"$plugin"
 try "broken plug-in" fail 103 --isp --fw main.bin --comm 1
 cp "$recording" "$plugin"
 
-# The reader of the script's own output and errors is gone before the run starts.
+# The reader of the script's own output and errors is gone before the run starts; the unknown option
+# makes the tool write to it.
 {
   sleep 0.3
   status=0
-  "$script" run.log --isp --fw main.bin || status=$?
+  "$script" run.log --no-such-option --isp --fw main.bin || status=$?
   echo "$status" >status
 } 2>&1 | true
 status=$(cat status)
