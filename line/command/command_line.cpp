@@ -14,8 +14,9 @@ struct CommandRow {
 };
 
 // clang-format off
-const std::vector<CommandRow> kCommands = {
+constexpr CommandRow kCommands[] = {
   // command                 run
+  {Command::kPlan,           RunPlan},
   {Command::kRun,            RunUnit},
   {Command::kReadback,       RunUnit},
   {Command::kJournalShow,    RunJournalShow},

@@ -2,18 +2,47 @@
 #include "line/command/options.h"
 
 #include <algorithm>
-#include <map>
+#include <cstdlib>
+#include <iterator>
+#include <string_view>
 
 #include <CLI/CLI.hpp>
 
-#include "app/banner.h"
+#include "line/command/hello.h"
 
 namespace line {
 
 namespace {
 
-const std::map<std::string, When> kWhens = {
-    {"auto", When::kAuto}, {"always", When::kAlways}, {"never", When::kNever}};
+// What the option library asks of a value: an empty text, or what is wrong with it. The name of the
+// option is in front of it.
+std::string ReadWhen(std::string& text) {
+  constexpr std::string_view kWhens[] = {"auto", "always", "never"};
+  for (std::size_t i = 0; i < std::size(kWhens); ++i) {
+    if (text != kWhens[i]) continue;
+    text = std::to_string(i);
+    return "";
+  }
+  return text + " is none of auto, always and never";
+}
+
+std::string CheckSeconds(std::string& text) {
+  char* end = nullptr;
+  const double seconds = std::strtod(text.c_str(), &end);
+  const bool is_number = !text.empty() && *end == '\0' && seconds >= 0 && seconds <= 1e9;
+  return is_number ? "" : text + " is no number of seconds";
+}
+
+std::string CheckCode(std::string& text) {
+  char* end = nullptr;
+  const unsigned long long code = std::strtoull(text.c_str(), &end, 0);
+  const bool is_code = !text.empty() && *end == '\0' && text[0] != '-' && code <= 0xFFFFFFFF;
+  return is_code ? "" : text + " is no number from 0 to 0xFFFFFFFF";
+}
+
+std::string CheckText(std::string& text) {
+  return text.find_first_not_of(' ') == std::string::npos ? "the text is blank" : "";
+}
 
 constexpr const char* kTitle = "Programs displays one by one, with progress, record and the truth.";
 constexpr const char* kFooter =
@@ -41,10 +70,7 @@ class Grammar {
   CLI::App& App() { return m_app; }
 
  private:
-  static std::string Version() {
-    return "zvisp-line " + std::to_string(g_ucszVersion[0]) + "." +
-           std::to_string(g_ucszVersion[1]) + "." + std::to_string(g_ucszVersion[2]);
-  }
+  static std::string Version() { return "zvisp-line " + ToolVersion(); }
 
   CLI::App* AddCommand(CLI::App& parent, const char* name, const char* help, Command command) {
     CLI::App* const app = parent.add_subcommand(name, help);
@@ -59,14 +85,13 @@ class Grammar {
     app.add_flag("--quiet", m_options.quiet, "Print nothing but errors");
     AddWhen(app, "--progress", m_options.progress, "Show progress: auto, always or never");
     AddWhen(app, "--color", m_options.color, "Use colours: auto, always or never");
-    app.add_option("--data", m_options.data, "Directory of the record")->type_name("DIR");
+    app.add_option("--data", m_options.data, "Directory of the record")
+        ->check(CLI::Validator(CheckText, ""))
+        ->type_name("DIR");
   }
 
   static void AddWhen(CLI::App& app, const char* name, When& when, const char* help) {
-    app.add_option(name, when, help)
-        ->transform(CLI::Transformer(kWhens).description(""))
-        ->check(CLI::IsMember({0, 1, 2}).description(""))
-        ->type_name("WHEN");
+    app.add_option(name, when, help)->transform(CLI::Validator(ReadWhen, ""))->type_name("WHEN");
   }
 
   void AddUnitCommands() {
@@ -89,21 +114,27 @@ class Grammar {
   }
 
   void AddUnitOptions(CLI::App& app) {
-    app.add_option("--unit", m_options.unit, "Serial of the display")->type_name("SERIAL");
+    app.add_option("--unit", m_options.unit, "Serial of the display")
+        ->check(CLI::Validator(CheckText, ""))
+        ->type_name("SERIAL");
     app.add_option("--timeout", m_options.timeout_s, "End the run after so long; 0: never")
-        ->check(CLI::NonNegativeNumber.description(""))
+        ->check(CLI::Validator(CheckSeconds, ""))
         ->type_name("SECONDS");
     app.add_option("--wait", m_options.wait_s, "Wait so long for an interface in use")
-        ->check(CLI::NonNegativeNumber.description(""))
+        ->check(CLI::Validator(CheckSeconds, ""))
         ->type_name("SECONDS");
-    app.add_option("--plugins", m_options.plugins, "Directory of the plug-ins")->type_name("DIR");
+    app.add_option("--plugins", m_options.plugins, "Directory of the plug-ins")
+        ->check(CLI::Validator(CheckText, ""))
+        ->type_name("DIR");
     app.add_option("--nothing-written", m_options.nothing_written,
                    "Codes by which the plug-in promises that nothing was written")
         ->delimiter(',')
+        ->check(CLI::Validator(CheckCode, ""))
         ->type_name("CODE,...");
     app.add_flag("--allow-unsigned", m_options.allow_unsigned,
                  "Program banks that the signature does not cover");
     app.add_option("--expect", m_options.expect, "Scaler type that --getscalertype must answer")
+        ->check(CLI::Validator(CheckCode, ""))
         ->type_name("N");
   }
 

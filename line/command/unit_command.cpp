@@ -11,8 +11,12 @@
 #include <utility>
 
 #include "base/process_path.h"
+#include "line/command/approval.h"
 #include "line/command/commands.h"
+#include "line/command/hello.h"
+#include "line/job/plan.h"
 #include "line/job/step_name.h"
+#include "line/job/strictness.h"
 #include "line/journal/history.h"
 #include "line/journal/journal.h"
 #include "line/supervise/private_copies.h"
@@ -69,7 +73,8 @@ ExitStatus StatusOf(const StepEnd& end) {
 // One display: everything between the options and the exit status.
 class UnitCommand {
  public:
-  UnitCommand(const Options& options, Session& session) : m_options(options), m_session(session) {}
+  UnitCommand(const Options& options, Session& session)
+      : m_options(options), m_session(session), m_scan(ScanOptions(options.words)) {}
 
   ExitStatus Run();
 
@@ -91,8 +96,11 @@ class UnitCommand {
   std::unique_ptr<Journal> m_journal;
   std::unique_ptr<JournalSink> m_record;
   std::unique_ptr<PrivateCopies> m_copies;
+  OptionScan m_scan;
+  std::optional<PlanEvent> m_plan;
   Where m_where;
   std::uint64_t m_attempt = 1;
+  bool m_is_unsigned = false;  // --allow-unsigned lets files through
 };
 
 ExitStatus UnitCommand::Prepare() {
@@ -104,7 +112,8 @@ ExitStatus UnitCommand::Prepare() {
     }
     m_ignored.push_back(*range);
   }
-  std::string error;
+  std::string error = m_options.unit.empty() ? "" : WhyNoSerial(m_options.unit);
+  if (!error.empty()) return Report(m_session, kExitRefused, "serial", error);
   m_data = AbsolutePath(DataDirectory(m_options.data));
   m_journal = Journal::Open(m_data, error);
   if (m_journal == nullptr) return Report(m_session, kExitUnavailable, "record", error);
@@ -115,14 +124,16 @@ ExitStatus UnitCommand::Prepare() {
 }
 
 ExitStatus UnitCommand::Approve(JudgedWords& words, StepRequest& request) {
-  if (!words.accepted) {
-    return Report(m_session, kExitRefused, "zvisp-refuses", words.said);
-  }
+  const ExitStatus approval = ApproveWords(m_options, m_scan, words, m_session);
+  if (approval != kExitPassed) return approval;
+  m_is_unsigned = ProgramsUnsignedFiles(m_scan, words);
   std::string error = ReadsBack() ? WhyNoReadBack(*words.setting) : "";
   if (!error.empty()) return Report(m_session, kExitRefused, "read-back", error);
   if (!UseCopies(*m_copies, words, error)) {
     return Report(m_session, kExitRefused, "private-copies", error);
   }
+  m_plan = MakePlan(m_scan, words, error);
+  if (!m_plan) return Report(m_session, kExitRefused, "file", error);
   FillIn(*words.setting, request.where);
   m_where = request.where;
   m_attempt = HistoryOf(m_data, m_where.unit, "").attempts + 1;
@@ -148,7 +159,9 @@ Where UnitCommand::WholeUnit() const {
 }
 
 void UnitCommand::OnStart() {
-  m_session.Emit(WholeUnit(), UnitStartEvent{m_attempt, m_options.allow_unsigned});
+  m_session.Emit({}, MakeHello(PluginDirectory(m_options.plugins)));
+  m_session.Emit(WholeUnit(), *m_plan);
+  m_session.Emit(WholeUnit(), UnitStartEvent{m_attempt, m_is_unsigned});
 }
 
 StepRequest UnitCommand::Request() {
