@@ -7,6 +7,7 @@
 #include "line/event/exit_status.h"
 #include "line/event/session.h"
 #include "line/event/time_text.h"
+#include "line/support/kept_events.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -86,6 +87,27 @@ TEST(EventJson, EveryTypeHasTheEnvelopeAndItsOwnFields) {
   for (const TypeRow& row : kTypes) {
     EXPECT_EQ(ToJsonLine(At(7, row.body)),
               "{\"v\":1,\"type\":\"" + std::string(row.type) + "\"," + kFront + row.own + "\n");
+  }
+}
+
+// One of each type, with all its fields, for the check against the schema.
+TEST(EventJson, EveryTypeIsKeptForTheSchema) {
+  const std::string hash(64, 'a');
+  const std::string uuid = "0192a0b0-0000-7000-8000-000000000002";
+  for (const TypeRow& row : kTypes) {
+    Event event = At(7, row.body);
+    event.where.run = uuid;
+    event.where.phase = Phase::kReadBack;
+    event.where.job_name = "r4";
+    std::string text = ToJsonLine(event);
+    for (const char* digits : {"\"aa\"", "\"bb\""}) {
+      for (std::size_t at = text.find(digits); at != std::string::npos; at = text.find(digits))
+        text.replace(at, 4, '"' + hash + '"');
+    }
+    const std::size_t since = text.find("\"since\":\"t\"");
+    if (since != std::string::npos) text.replace(since + 9, 1, "2026-11-21T12:00:00.007Z");
+    KeepForSchema(text);
+    EXPECT_EQ(text.back(), '\n');
   }
 }
 

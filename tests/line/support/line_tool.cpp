@@ -6,6 +6,7 @@
 #include <sstream>
 #include <thread>
 
+#include "line/support/kept_events.h"
 #include "support/files.h"
 
 namespace fs = std::filesystem;
@@ -65,6 +66,7 @@ bool LineTool::WaitForRecord(const std::string& text) const {
 }
 
 std::vector<std::string> EventsOf(const std::string& json_lines, const std::string& type) {
+  KeepForSchema(json_lines);
   std::vector<std::string> events;
   std::istringstream lines(json_lines);
   for (std::string line; std::getline(lines, line);) {
