@@ -16,6 +16,9 @@ namespace line {
 namespace {
 
 constexpr std::uint64_t kRedrawMs = 100;
+// Some terminals go to the next line when the last column is filled, and Ctrl-C prints "^C" after
+// the row, which must not break it.
+constexpr std::size_t kFreeColumns = 3;
 
 class TerminalPrinter : public Printer {
  public:
@@ -84,8 +87,7 @@ bool TerminalPrinter::Print(const std::vector<TextLine>& lines) {
 void TerminalPrinter::Draw() {
   Erase();
   m_drawn_ms = m_now_ms;
-  // The last column stays free: some terminals go to the next line when it is filled.
-  const std::size_t columns = std::max<std::size_t>(m_columns(), 2) - 1;
+  const std::size_t columns = std::max(m_columns(), kFreeColumns + 1) - kFreeColumns;
   std::string text;
   for (const ProgressRow& row : m_rows) {
     const std::string row_text = row.Text(columns, m_now_ms);

@@ -3,8 +3,10 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -58,10 +60,28 @@ std::optional<Entry> EntryOf(std::string_view text) {
   return Entry{kind, HashOf(event->where.unit), HashOf(event->where.job_name)};
 }
 
+struct RecordFile {
+  std::string path;
+  std::uint64_t hash;   // of its name
+  std::uint64_t bytes;  // at this moment
+};
+
+std::vector<RecordFile> FilesOf(const std::string& data_directory) {
+  std::vector<RecordFile> files;
+  for (const std::string& name : RecordFileNames(data_directory)) {
+    const std::string path = RecordDirectory(data_directory) + "/" + name;
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0) continue;
+    files.push_back({path, HashOf(name), static_cast<std::uint64_t>(status.st_size)});
+  }
+  return files;
+}
+
 class Index {
  public:
   Index(std::string data_directory, const std::string& unit, const std::string& job_name)
       : m_data_directory(std::move(data_directory)),
+        m_files(FilesOf(m_data_directory)),
         m_unit(HashOf(unit)),
         m_job(HashOf(job_name)),
         m_any_job(job_name.empty()) {}
@@ -75,6 +95,7 @@ class Index {
   bool FitsTheRecord() const;
 
   std::string m_data_directory;
+  std::vector<RecordFile> m_files;
   std::uint64_t m_unit, m_job;
   bool m_any_job;
   std::map<std::uint64_t, std::uint64_t> m_covered;  // by hash of the file's name: bytes
@@ -109,12 +130,10 @@ bool Index::ReadIndex(std::string_view bytes) {
 // False when a file of the record that the index covers is gone or has become shorter.
 bool Index::FitsTheRecord() const {
   std::size_t found = 0;
-  for (const std::string& name : RecordFileNames(m_data_directory)) {
-    const auto covered = m_covered.find(HashOf(name));
+  for (const RecordFile& file : m_files) {
+    const auto covered = m_covered.find(file.hash);
     if (covered == m_covered.end()) continue;
-    const Descriptor file(open((RecordDirectory(m_data_directory) + "/" + name).c_str(),
-                               O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (lseek(file.Number(), 0, SEEK_END) < static_cast<off_t>(covered->second)) return false;
+    if (file.bytes < covered->second) return false;
     ++found;
   }
   return found == m_covered.size();
@@ -122,18 +141,19 @@ bool Index::FitsTheRecord() const {
 
 std::vector<Entry> Index::ReadWhatIsNew() {
   std::vector<Entry> entries;
-  for (const std::string& name : RecordFileNames(m_data_directory)) {
-    const MappedFile file(RecordDirectory(m_data_directory) + "/" + name);
-    std::uint64_t& covered = m_covered[HashOf(name)];
+  for (const RecordFile& file : m_files) {
+    std::uint64_t& covered = m_covered[file.hash];
+    if (covered >= file.bytes) continue;
+    const MappedFile mapped(file.path);
     std::string_view rest =
-        file.Bytes().substr(std::min<std::size_t>(covered, file.Bytes().size()));
+        mapped.Bytes().substr(std::min<std::size_t>(covered, mapped.Bytes().size()));
     const std::uint64_t before = covered;
     for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
       if (const auto entry = EntryOf(rest.substr(0, end))) entries.push_back(*entry);
       rest.remove_prefix(end + 1);
       covered += end + 1;
     }
-    if (covered != before) entries.push_back({Kind::kCovered, HashOf(name), covered});
+    if (covered != before) entries.push_back({Kind::kCovered, file.hash, covered});
   }
   return entries;
 }

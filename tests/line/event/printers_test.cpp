@@ -147,14 +147,14 @@ TEST(TerminalPrinter, RedrawsTheRowInPlaceAndErasesItAtTheEnd) {
             "\r\x1b[J"
             "comm-3 ZP00000001 program  0:00"
             "\r\x1b[J"
-            "comm-3 program [##--------]  20 %  0:05"
+            "comm-3 program [#-------]  20 %  0:05"
             "\r\x1b[J"
-            "comm-3 program [####------]  42 %  0:10"
+            "comm-3 program [###-----]  42 %  0:10"
             "\r\x1b[J"
-            "comm-3 program [####------]  44 %  0:11"
+            "comm-3 program [###-----]  44 %  0:11"
             "\r\x1b[J"
             "comm-3: program passed after 0:31, programmed\n"
-            "comm-3 program [####------]  44 %  0:31"
+            "comm-3 program [###-----]  44 %  0:31"
             "\r\x1b[J");
 }
 
@@ -171,7 +171,7 @@ TEST(TerminalPrinter, ErasesRowsThatANarrowerTerminalHasBroken) {
   EXPECT_EQ(printed.err,
             "comm-3 ZP00000001 waits  0:00"
             "\r\x1b[2A\x1b[J"
-            "comm-3 wa"
+            "comm-3 "
             "\r\x1b[J"
             "comm-3 ZP00000001 waits  0:02"
             "\r\x1b[J");
