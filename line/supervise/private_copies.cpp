@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -22,6 +22,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* kParent = "/tmp";
 constexpr const char* kPrefix = "zvisp-line-copies-";
+// Of a directory whose lock is not yet taken: nobody may find it stale.
+constexpr const char* kNewPrefix = "zvisp-line-new-";
 constexpr const char* kLockName = "in-use";
 // A bank entry's path has 256 units; of the directories of a copy at most 40 are taken.
 constexpr std::size_t kLongestName = 200;
@@ -47,13 +49,17 @@ int LockOf(const std::string& directory, int flags) {
 }
 
 // The lock belongs to the open file, which the workers share: it is free when the last of them has
-// ended. A directory without the file is being made at this moment, or was left before it was.
+// ended. A directory without the file is being removed by somebody else.
 bool IsInUse(const std::string& directory) {
   const Descriptor lock(LockOf(directory, 0));
-  if (lock.Get() >= 0) return flock(lock.Get(), LOCK_EX | LOCK_NB) != 0;
-  struct stat facts = {};
+  return lock.Get() < 0 || flock(lock.Get(), LOCK_EX | LOCK_NB) != 0;
+}
+
+// What a command left that was killed before it had taken its lock.
+bool IsOld(const std::string& directory) {
   constexpr time_t kOldAfter = 3600;
-  return stat(directory.c_str(), &facts) != 0 || facts.st_mtime + kOldAfter > time(nullptr);
+  struct stat facts = {};
+  return stat(directory.c_str(), &facts) == 0 && facts.st_mtime + kOldAfter < time(nullptr);
 }
 
 bool IsOurDirectory(const std::string& path) {
@@ -63,10 +69,13 @@ bool IsOurDirectory(const std::string& path) {
 
 void RemoveStale() {
   std::error_code ignored;
-  for (const fs::directory_entry& entry : fs::directory_iterator(kParent, ignored)) {
-    const std::string path = entry.path().string();
-    if (entry.path().filename().string().rfind(kPrefix, 0) != 0) continue;
-    if (IsOurDirectory(path) && !IsInUse(path)) fs::remove_all(path, ignored);
+  const fs::directory_iterator end;
+  for (fs::directory_iterator entry(kParent, ignored); entry != end; entry.increment(ignored)) {
+    const std::string path = entry->path().string();
+    const std::string name = entry->path().filename().string();
+    const bool stale = (name.starts_with(kPrefix) && IsOurDirectory(path) && !IsInUse(path)) ||
+                       (name.starts_with(kNewPrefix) && IsOurDirectory(path) && IsOld(path));
+    if (stale) fs::remove_all(path, ignored);
   }
 }
 
@@ -165,7 +174,8 @@ std::string CopyFile(const std::string& source, const std::string& target) {
 
 std::unique_ptr<PrivateCopies> PrivateCopies::Make(std::string& error) {
   RemoveStale();
-  std::string directory = std::string(kParent) + "/" + kPrefix + "XXXXXX";
+  const std::string start = std::string(kParent) + "/" + kNewPrefix;
+  std::string directory = start + "XXXXXX";
   if (mkdtemp(directory.data()) == nullptr) {
     error = Because("Cannot make a directory like", directory, "make /tmp writable.");
     return nullptr;
@@ -173,12 +183,14 @@ std::unique_ptr<PrivateCopies> PrivateCopies::Make(std::string& error) {
   const int file = LockOf(directory, O_CREAT | O_EXCL);
   const int lock = file < 0 ? -1 : fcntl(file, F_DUPFD_CLOEXEC, 16);
   if (file >= 0) close(file);
-  if (lock < 0 || flock(lock, LOCK_EX | LOCK_NB) != 0) {
+  const std::string name = std::string(kParent) + "/" + kPrefix + directory.substr(start.size());
+  if (lock < 0 || flock(lock, LOCK_EX | LOCK_NB) != 0 ||
+      std::rename(directory.c_str(), name.c_str()) != 0) {
     error = Because("Cannot make a file in", directory, "make room in /tmp.");
     if (lock >= 0) close(lock);
     return nullptr;
   }
-  return std::unique_ptr<PrivateCopies>(new PrivateCopies(std::move(directory), lock));
+  return std::unique_ptr<PrivateCopies>(new PrivateCopies(name, lock));
 }
 
 PrivateCopies::~PrivateCopies() {
