@@ -45,7 +45,11 @@ install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp RENAME copy
 if(TARGET zvisp-line)
   zvisp_install(tool zvisp-line ${home} zvisp-line)
   zvisp_install_link(zvisp-line)
-  install(FILES docs/zvisp-line.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 OPTIONAL)
+  install(FILES docs/zvisp-line.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES completions/zvisp-line.bash RENAME zvisp-line
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES completions/zvisp-line.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 
 # The shells look in these directories under /usr/local and under /usr, with two exceptions: zsh of
@@ -57,6 +61,10 @@ install(FILES completions/zvisp.bash RENAME zvisp-simulator
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES completions/zvisp.fish completions/zvisp-simulator.fish
   DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+set(zsh_completions "\"${PROJECT_SOURCE_DIR}/completions/_zvisp\"")
+if(TARGET zvisp-line)
+  string(APPEND zsh_completions " \"${PROJECT_SOURCE_DIR}/completions/_zvisp-line\"")
+endif()
 configure_file(cmake/InstallZsh.cmake.in ${staging}/InstallZsh.cmake @ONLY)
 install(SCRIPT ${staging}/InstallZsh.cmake)
 

@@ -30,6 +30,14 @@ CASES = (
     ("zvisp --slave pan", "zvisp --slave pan"),
     ("zvisp --edpmode pan", "zvisp --edpmode pan"),
     ("zvisp-simulator --getsc", "zvisp-simulator --getscalertype "),
+    ("zvisp-line pl", "zvisp-line plan "),
+    ("zvisp-line journal doc", "zvisp-line journal doctor "),
+    ("zvisp-line run --readb", "zvisp-line run --readback "),
+    ("zvisp-line journal show --ru", "zvisp-line journal show --run "),
+    ("zvisp-line readback --progress al", "zvisp-line readback --progress always "),
+    ("zvisp-line plan --plugins ke", "zvisp-line plan --plugins keys/"),
+    ("zvisp-line run -- --getsc", "zvisp-line run -- --getscalertype "),
+    ("zvisp-line run --json -- --isp --fw pan", "zvisp-line run --json -- --isp --fw panel.bin "),
 )
 
 # Each shell prints its line between angle brackets when it receives Ctrl-G.
@@ -38,7 +46,7 @@ SETUP = {
         ["bash", "--norc", "--noprofile", "-i"],
         "bind 'set bell-style none'; bind 'set enable-bracketed-paste off'\n"
         "bind -x '\"\\C-g\": printf \"<%s>\" \"$READLINE_LINE\"'\n"
-        "source {dir}/zvisp.bash\n"),
+        "source {dir}/zvisp.bash; source {dir}/zvisp-line.bash\n"),
     "zsh": (
         ["zsh", "-f", "-i"],
         "unsetopt beep zle_bracketed_paste 2>/dev/null; fpath=({dir} $fpath)\n"
@@ -47,7 +55,8 @@ SETUP = {
     "fish": (
         ["fish", "--no-config", "-i"],
         "function fish_greeting; end; bind \\cg 'printf \"<%s>\" (commandline | string collect)'\n"
-        "source {dir}/zvisp.fish; source {dir}/zvisp-simulator.fish\n"),
+        "source {dir}/zvisp.fish; source {dir}/zvisp-simulator.fish; "
+        "source {dir}/zvisp-line.fish\n"),
 }
 
 
