@@ -224,6 +224,45 @@ TEST_F(FirmwareSlots, ABankClaimedTwiceIsRefusedBeforeTheSecondFileTakesAny) {
   }
 }
 
+TEST_F(FirmwareSlots, OneBankAtEitherEndOfALongerFileIsADuplicate) {
+  GivenFirmware(m_scratch / "long.bin", 65536 * 4);
+  GivenFirmware(m_scratch / "one.bin", 1);
+  Fw(0, L"long.bin");
+  Bank(0, "10");
+  Fw(1, L"one.bin");
+  const struct {
+    const char* bank;
+    bool is_free;
+  } cases[] = {{"9", true}, {"10", false}, {"13", false}, {"14", true}};
+  for (const auto& [bank, is_free] : cases) {
+    Bank(1, bank);
+    m_map.clear();
+    EXPECT_EQ(Judge(), is_free ? 1 : 0) << bank;
+    EXPECT_EQ(TakePrinted(), is_free ? "" : "Program fw bank duplicate!\n") << bank;
+  }
+}
+
+// The long file comes second: its last bank is the one that is taken.
+TEST_F(FirmwareSlots, TheLastBankOfALaterFileIsADuplicateToo) {
+  GivenFirmware(m_scratch / "long.bin", 65536 * 4);
+  GivenFirmware(m_scratch / "one.bin", 1);
+  Fw(0, L"one.bin");
+  Bank(0, "13");
+  Fw(1, L"long.bin");
+  for (const char* const bank : {"10", "13"}) {
+    Bank(1, bank);
+    m_map.clear();
+    EXPECT_EQ(Judge(), 0) << bank;
+    EXPECT_EQ(TakePrinted(), "Program fw bank duplicate!\n") << bank;
+  }
+  for (const char* const bank : {"9", "14"}) {
+    Bank(1, bank);
+    m_map.clear();
+    EXPECT_EQ(Judge(), 1) << bank;
+    EXPECT_EQ(TakePrinted(), "") << bank;
+  }
+}
+
 TEST_F(FirmwareSlots, NeighboursAndFilesBelowOthersDoNotCollide) {
   GivenFirmware(m_scratch / "a.bin", 65536 * 2);
   Fw(1, L"a.bin");
