@@ -135,6 +135,19 @@ TEST_F(ProgrammingAVerifiedFile, EndsWhenTheFileIsReplacedDuringTheVerification)
   ExpectRefused("another file");
 }
 
+TEST_F(ProgrammingAVerifiedFile, EndsBeforeAHubIsAskedWhenTheFileIsReplaced) {
+  static int asked = 0;
+  asked = 0;
+  m_setting->enumCommID = 6;
+  m_device = &g_hub_device;
+  g_funcZvGetHubDev = ChangeAtTheHub;
+  g_at_hub = [] { ++asked; };
+  GivenWish("REPLACE_VerifySignatureExport", m_path);
+  EXPECT_EQ(Execute(), 16387u);
+  EXPECT_EQ(asked, 0);
+  g_at_hub = nullptr;
+}
+
 TEST_F(ProgrammingAVerifiedFile, EndsWhenTheFileIsReplacedWhileTheKeyIsRead) {
   GivenSoftwareSignature(4);
   GivenWish("REPLACE_GetKeyFromFlash", m_path);
