@@ -243,7 +243,13 @@ std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
                                  const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
                                  void* device) {
   if (RefuseForeignUser()) return kIspPluginNotLoaded;
-  Run run = {setting, signArgs, InDirectory(plugInDirectory, signPlugIn), device, {}, {}, {}};
+  Run run = {.setting = setting,
+             .sign_args = signArgs,
+             .sign_plugin_path = InDirectory(plugInDirectory, signPlugIn),
+             .device = device,
+             .isp = {},
+             .sign_verify = {},
+             .verified_file = {}};
   if (setting->enumActionType == CP_ISPTOOL_ACTION_SIGN ||
       setting->enumActionType == CP_ISPTOOL_ACTION_VERIFY) {
     return SignOrVerifyFile(run);

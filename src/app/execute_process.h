@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
 // The dispatcher: loads the plug-ins, checks signatures, programs the boot code, and calls the one
-// export that belongs to the action. With the banner, this is all that a host of a run needs.
+// export that belongs to the action.
 #ifndef ZVISP_APP_EXECUTE_PROCESS_H_
 #define ZVISP_APP_EXECUTE_PROCESS_H_
 
 #include <cstdint>
 
-#include "app/banner.h"
 #include "base/zv_string.h"
 #include "plugin/command_setting.h"
 #include "plugin/digital_sign_args.h"

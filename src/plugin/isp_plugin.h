@@ -42,13 +42,6 @@ class CCpIsp {
   // looked up, so the answer is always 0.
   int SetIDev(void* device);
 
- private:
-  struct Table;
-
-  void* m_library = nullptr;
-  Export<int(void*)> m_set_idev;
-
- public:
   // In the order of the plug-in interface. "Never looked up" is the contract of this tool, not a
   // gap: the actions of those calls end with code 6 whatever a library exports.
   SettingCall IspFlash;
@@ -68,6 +61,12 @@ class CCpIsp {
   SettingCall SetMergeFwInfo;          // never looked up
   SettingCall I2CWriteExport;          // never looked up
   SettingCall GetScalerType;
+
+ private:
+  struct Table;
+
+  void* m_library = nullptr;
+  Export<int(void*)> m_set_idev;
 };
 
 #endif  // ZVISP_PLUGIN_ISP_PLUGIN_H_
