@@ -17,6 +17,8 @@
 
 #include <benchmark/benchmark.h>
 
+using namespace zvisp;
+
 namespace {
 
 constexpr unsigned int kFiles = 10;

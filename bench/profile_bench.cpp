@@ -16,6 +16,8 @@
 #include <benchmark/benchmark.h>
 #include <ini.h>
 
+using namespace zvisp;
+
 namespace {
 
 constexpr int kSections = 10;

@@ -12,6 +12,8 @@
 
 #include <benchmark/benchmark.h>
 
+using namespace zvisp;
+
 namespace {
 
 void SaveSetting(benchmark::State& state) {

@@ -15,6 +15,8 @@
 #include "settings/profile.h"
 #include "support/fuzzing.h"
 
+using namespace zvisp;
+
 namespace {
 
 constexpr std::size_t kLongestPlainText = 200;

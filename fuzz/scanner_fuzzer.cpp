@@ -11,6 +11,8 @@
 #include "cmdline/option_scanner.h"
 #include "support/fuzzing.h"
 
+using namespace zvisp;
+
 namespace {
 
 struct Row {

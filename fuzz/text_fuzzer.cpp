@@ -17,6 +17,8 @@
 #include "base/zv_string.h"
 #include "support/fuzzing.h"
 
+using namespace zvisp;
+
 namespace {
 
 constexpr std::size_t kCapacity = 16;

@@ -10,6 +10,8 @@
 #include "line/command/commands.h"
 #include "line/worker/worker.h"
 
+using namespace zvisp;
+
 int main(int argc, char** argv) {
   PrepareStandardStreams();
   // A reader that leaves must not end a run in the middle.

@@ -22,6 +22,8 @@
 #include "line/supervise/private_copies.h"
 #include "line/supervise/supervisor.h"
 
+using namespace zvisp;
+
 namespace line {
 
 namespace {

@@ -20,11 +20,11 @@ struct JudgedWords {
   bool accepted = false;        // zvisp's verdict
   std::string said;             // what zvisp printed, standard output and error together
   STRUCT_CP_ISP_CMD_ARGS args;  // the values as typed, and the file that a search found
-  FwBankMap slots;              // files and start banks as typed
+  zvisp::FwBankMap slots;       // files and start banks as typed
   // The records that the plug-ins get; only meaningful when accepted. Null when memory was
   // exhausted.
-  ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> setting;
-  ZeroedPtr<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> sign_args;
+  zvisp::ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> setting;
+  zvisp::ZeroedPtr<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> sign_args;
 };
 
 }  // namespace line

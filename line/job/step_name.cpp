@@ -7,6 +7,8 @@
 
 #include "cmdline/option_table.h"
 
+using namespace zvisp;
+
 namespace line {
 
 std::string StepNameOf(std::uint32_t enumActionType) {

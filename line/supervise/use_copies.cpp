@@ -8,6 +8,8 @@
 #include "base/transform.h"
 #include "line/supervise/private_copies.h"
 
+using namespace zvisp;
+
 namespace line {
 
 namespace {

@@ -15,6 +15,8 @@
 #include "base/process_path.h"
 #include "line/worker/worker.h"
 
+using namespace zvisp;
+
 extern char** environ;
 
 namespace line {

@@ -6,6 +6,8 @@
 
 #include "plugin/fresh_setting.h"
 
+using namespace zvisp;
+
 namespace line {
 
 namespace {

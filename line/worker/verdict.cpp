@@ -8,6 +8,8 @@
 #include "app/execute_process.h"
 #include "plugin/isp_plugin.h"
 
+using namespace zvisp;
+
 namespace line {
 
 namespace {

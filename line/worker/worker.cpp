@@ -25,6 +25,8 @@
 #include "plugin/comm_plugin.h"
 #include "plugin/fresh_setting.h"
 
+using namespace zvisp;
+
 namespace line {
 
 namespace {

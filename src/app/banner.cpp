@@ -5,6 +5,8 @@
 
 #include "plugin/command_setting.h"
 
+using namespace zvisp;
+
 namespace {
 
 // The sequence that ends a colour comes after the newline, so the line buffer still holds it: a
@@ -25,7 +27,7 @@ void ShowToolVersion() {
   FlushColour();
 }
 
-void ShowResult(std::uint32_t action, std::uint32_t result) {
+void zvisp::ShowResult(std::uint32_t action, std::uint32_t result) {
   if (action == CP_ISPTOOL_ACTION_GET_SCALER_TYPE) {
     std::printf("\033[32mCurrent ScalerType:%d!!\n\033[m", static_cast<int>(result));
   } else if (result != 0) {

@@ -19,6 +19,8 @@
 #include "plugin/isp_plugin.h"
 #include "plugin/zeroed.h"
 
+using namespace zvisp;
+
 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* g_pstISPSetting = nullptr;
 STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* g_pstDigitalSignArgs = nullptr;
 void (*g_funcReturnProg)(int percent) = nullptr;
@@ -233,15 +235,15 @@ bool RefuseForeignUser() {
 std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
                              STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs, CCpZvString& ispPlugIn,
                              CCpZvString& signPlugIn, void* device) {
-  return ExecuteProcessFrom(GetCurrentProcessDir(nullptr), setting, signArgs, ispPlugIn, signPlugIn,
-                            device);
+  return zvisp::ExecuteProcessFrom(GetCurrentProcessDir(nullptr), setting, signArgs, ispPlugIn,
+                                   signPlugIn, device);
 }
 
-std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
-                                 STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
-                                 STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
-                                 const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
-                                 void* device) {
+std::uint32_t zvisp::ExecuteProcessFrom(const CCpZvString& plugInDirectory,
+                                        STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
+                                        STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
+                                        const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
+                                        void* device) {
   if (RefuseForeignUser()) return kIspPluginNotLoaded;
   Run run = {.setting = setting,
              .sign_args = signArgs,

@@ -12,10 +12,14 @@
 #include "plugin/digital_sign_args.h"
 #include "plugin/sign_verify_plugin.h"
 
+namespace zvisp {
+
 // Result codes of the tool itself; 0 is success, and codes of the plug-ins pass through unchanged.
 inline constexpr std::uint32_t kIspPluginNotLoaded = 3431;  // 0xD67
 inline constexpr std::uint32_t kRecordNotAllocated = 3433;  // 0xD69
 inline constexpr std::uint32_t kNoHubDevice = 11021;        // 0x2B0D
+
+}  // namespace zvisp
 
 // The records of the run that is under way; null outside of a run. Owned by main.
 extern STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* g_pstISPSetting;
@@ -44,6 +48,8 @@ std::uint32_t ExecuteProcess(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* setting,
                              STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs, CCpZvString& ispPlugIn,
                              CCpZvString& signPlugIn, void* device);
 
+namespace zvisp {
+
 // The same with the plug-ins in a directory of the host's choice, which ends in "/"; empty, no
 // plug-in is found. The boot code's name is still resolved against the executable's directory.
 std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
@@ -51,6 +57,8 @@ std::uint32_t ExecuteProcessFrom(const CCpZvString& plugInDirectory,
                                  STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* signArgs,
                                  const CCpZvString& ispPlugIn, const CCpZvString& signPlugIn,
                                  void* device);
+
+}  // namespace zvisp
 
 // Loads the signature plug-in from plugInPath; the directory is not used. Returns 0, or 16388
 // after the loader's message.

@@ -12,6 +12,8 @@
 #include "plugin/fresh_setting.h"
 #include "plugin/zeroed.h"
 
+using namespace zvisp;
+
 namespace {
 
 std::uint32_t ExecuteWithHeapRecords(const CCpIspArgsParse& parser) {

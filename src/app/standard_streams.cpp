@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+namespace zvisp {
+
 void PrepareStandardStreams() {
   // A file that is opened gets the lowest free number, so the loop ends above the three.
   int descriptor = open("/dev/null", O_RDWR);
@@ -15,3 +17,5 @@ void PrepareStandardStreams() {
   if (descriptor > STDERR_FILENO) close(descriptor);
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
 }
+
+}  // namespace zvisp

@@ -9,6 +9,8 @@
 
 #include "base/transform.h"
 
+namespace zvisp {
+
 namespace {
 
 std::string PathOf(const STRUCT_C_STYLE_FW_BANK_SETTING& bank) {
@@ -33,3 +35,5 @@ bool VerifiedFile::IsIn(const STRUCT_C_STYLE_MAP_FW& map) const {
   return std::any_of(map.stBank, map.stBank + count,
                      [this](const auto& bank) { return PathOf(bank) == m_path; });
 }
+
+}  // namespace zvisp

@@ -11,6 +11,8 @@
 #include "plugin/command_setting.h"
 #include "plugin/digital_sign_args.h"
 
+namespace zvisp {
+
 class VerifiedFile {
  public:
   // Looks at the file that a request names, which the signature plug-in is about to read.
@@ -27,5 +29,7 @@ class VerifiedFile {
   std::string m_path;  // UTF-8
   FileIdentity m_identity;
 };
+
+}  // namespace zvisp
 
 #endif  // ZVISP_APP_VERIFIED_FILE_H_

@@ -3,6 +3,8 @@
 
 #include <clocale>
 
+namespace zvisp {
+
 namespace {
 
 // In the order in which they are tried; the last one always exists.
@@ -37,3 +39,5 @@ ScopedEnvironmentLocale::ScopedEnvironmentLocale()
 ScopedEnvironmentLocale::~ScopedEnvironmentLocale() {
   if (m_restore) std::setlocale(LC_CTYPE, m_saved_ctype.c_str());
 }
+
+}  // namespace zvisp

@@ -8,6 +8,8 @@
 
 #include <string>
 
+namespace zvisp {
+
 // Switches to the environment's locale for as long as it lives.
 //
 // The character type is decided by itself: the locale that the environment names for it, or when
@@ -34,5 +36,7 @@ class ScopedEnvironmentLocale {
 
 // Whether the character type of that name reads the paths that the system gives as they are meant.
 bool ReadsPathsOfTheSystem(const char* locale_name);
+
+}  // namespace zvisp
 
 #endif  // ZVISP_BASE_ENVIRONMENT_LOCALE_H_

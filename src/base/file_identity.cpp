@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "base/file_identity.h"
 
+namespace zvisp {
+
 FileIdentity LookAtFile(const std::string& path) {
   struct stat status = {};
   if (stat(path.c_str(), &status) != 0) return {};
@@ -12,3 +14,5 @@ FileIdentity LookAtFile(const std::string& path) {
           static_cast<std::int64_t>(change.tv_sec),
           static_cast<std::int64_t>(change.tv_nsec)};
 }
+
+}  // namespace zvisp

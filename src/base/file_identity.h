@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <string>
 
+namespace zvisp {
+
 // What one look at a path showed. Two looks are equal when both found the same file with the same
 // size and change time, or when neither found one. Writing, renaming another file over the path, a
 // change of the mode and a new hard link all make a difference. The system's clock ticks every few
@@ -29,5 +31,7 @@ FileIdentity LookAtFile(const std::string& path);
 
 // The change time in a status, a field that macOS and Linux name differently.
 timespec ChangeTime(const struct stat& status);
+
+}  // namespace zvisp
 
 #endif  // ZVISP_BASE_FILE_IDENTITY_H_

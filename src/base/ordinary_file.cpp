@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+namespace zvisp {
+
 namespace {
 
 constexpr mode_t kNewFileMode = 0666;  // the user's mask takes away from it, as with fopen
@@ -25,3 +27,5 @@ std::FILE* OpenOrdinaryFile(const char* path, const char* mode) {
   if (file == nullptr) close(descriptor);
   return file;
 }
+
+}  // namespace zvisp

@@ -14,6 +14,8 @@
 #include "base/process_path.h"
 #include "base/transform.h"
 
+using namespace zvisp;
+
 namespace {
 
 constexpr std::size_t kProcessPathCapacity = 4096;
@@ -103,7 +105,7 @@ bool PathFileExist(const std::string& path) {
   return file.IsOpen() && !file.IsDirectory();
 }
 
-bool GetRegularFileSize(const std::string& path, std::uint64_t& bytes) {
+bool zvisp::GetRegularFileSize(const std::string& path, std::uint64_t& bytes) {
   const ReadableFile file(path);
   if (!file.IsOpen() || !file.IsRegular()) return false;
   bytes = file.Size();

@@ -30,9 +30,13 @@ std::string GetFileFullPath(const std::string& path, const std::string& base);
 // True when the path can be opened for reading and is not a directory.
 bool PathFileExist(const std::string& path);
 
+namespace zvisp {
+
 // Stores the size in bytes of a regular file that can be opened for reading; false, with the size
 // untouched, for anything else.
 bool GetRegularFileSize(const std::string& path, std::uint64_t& bytes);
+
+}  // namespace zvisp
 
 // A host with a user interface would ask for a file here; the command line has no dialogs. Leaves
 // the path as it is and returns true.

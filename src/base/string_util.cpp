@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+using namespace zvisp;
+
 namespace {
 
 bool IsUtf8Continuation(char byte) {
@@ -54,15 +56,15 @@ void StringTrimW(std::wstring& text) {
   text.erase(text.find_last_not_of(L' ') + 1);
 }
 
-void CopyUtf8ToBuffer(std::string_view text, char* buffer, std::size_t capacity) {
+void zvisp::CopyUtf8ToBuffer(std::string_view text, char* buffer, std::size_t capacity) {
   std::size_t length = std::min(text.size(), capacity - 1);
   while (length > 0 && length < text.size() && IsUtf8Continuation(text[length]))
     --length;
   std::fill_n(std::copy_n(text.begin(), length, buffer), capacity - length, '\0');
 }
 
-void CopyWideToBuffer(std::wstring_view text, std::size_t limit, wchar_t* buffer,
-                      std::size_t capacity) {
+void zvisp::CopyWideToBuffer(std::wstring_view text, std::size_t limit, wchar_t* buffer,
+                             std::size_t capacity) {
   const std::size_t length = std::min({text.size(), limit, capacity - 1});
   std::fill_n(std::copy_n(text.begin(), length, buffer), capacity - length, L'\0');
 }

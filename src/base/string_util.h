@@ -30,6 +30,8 @@ void DeleteBlankA(std::string& text);
 // Removes the blanks at both ends.
 void StringTrimW(std::wstring& text);
 
+namespace zvisp {
+
 // Copies UTF-8 text into a buffer of `capacity` bytes and fills the rest with zeros. Text that is
 // too long is cut so that the terminating zero fits, never inside a character.
 void CopyUtf8ToBuffer(std::string_view text, char* buffer, std::size_t capacity);
@@ -38,5 +40,7 @@ void CopyUtf8ToBuffer(std::string_view text, char* buffer, std::size_t capacity)
 // into a buffer of `capacity` units and fills the rest with zeros.
 void CopyWideToBuffer(std::wstring_view text, std::size_t limit, wchar_t* buffer,
                       std::size_t capacity);
+
+}  // namespace zvisp
 
 #endif  // ZVISP_BASE_STRING_UTIL_H_

@@ -10,6 +10,8 @@
 #include "base/string_util.h"
 #include "base/text_lexer.h"
 
+using namespace zvisp;
+
 namespace {
 
 // Results of FindNextBytes.

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+namespace zvisp {
+
 namespace {
 
 constexpr std::wstring_view kBlanks = L"\t ";
@@ -78,3 +80,5 @@ TextToken TextLexer::TakeWord() {
   m_position += m_word.size();
   return TextToken::kWord;
 }
+
+}  // namespace zvisp

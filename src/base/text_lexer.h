@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace zvisp {
+
 // The numbers are the results of GetNextWord: never renumber them.
 enum class TextToken {
   kNone = 0,        // blanks up to the end, a comment without an end, or any other character
@@ -43,5 +45,7 @@ class TextLexer {
   std::size_t m_position;
   std::wstring_view m_word;
 };
+
+}  // namespace zvisp
 
 #endif  // ZVISP_BASE_TEXT_LEXER_H_

@@ -10,6 +10,8 @@
 
 #include "base/environment_locale.h"
 
+using namespace zvisp;
+
 namespace {
 
 // Room for converted text, terminating zero included. Longer text is refused, not cut: a path

@@ -12,6 +12,8 @@
 #include "firmware/firmware_search.h"
 #include "firmware/firmware_slots.h"
 
+namespace zvisp {
+
 namespace {
 
 // The bit of the option with this effect; does not compile without one.
@@ -223,3 +225,5 @@ bool ReadCommandLine(int argc, char** argv, const std::string& directory, FwBank
                      STRUCT_CP_ISP_CMD_ARGS& args, wchar_t (&wszSettingFilePath)[kPathCapacity]) {
   return CommandLineReader(directory, slots, args, wszSettingFilePath).Read(argc, argv);
 }
+
+}  // namespace zvisp

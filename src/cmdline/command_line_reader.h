@@ -11,6 +11,8 @@
 #include "firmware/bank_map.h"
 #include "plugin/command_setting.h"
 
+namespace zvisp {
+
 // Reads argv[1] to argv[argc - 1] and reorders the pointers of `argv` as the scanner does. Returns
 // true at the end, and false at the first option that refuses the command line; the outputs then
 // keep what was read before it.
@@ -34,5 +36,7 @@
 //   nothing                                         --fw and --searchfw together
 bool ReadCommandLine(int argc, char** argv, const std::string& directory, FwBankMap& slots,
                      STRUCT_CP_ISP_CMD_ARGS& args, wchar_t (&wszSettingFilePath)[kPathCapacity]);
+
+}  // namespace zvisp
 
 #endif  // ZVISP_CMDLINE_COMMAND_LINE_READER_H_

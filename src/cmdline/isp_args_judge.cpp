@@ -13,6 +13,8 @@
 #include "plugin/digital_sign_args_handle.h"
 #include "settings/isp_setting.h"
 
+using namespace zvisp;
+
 namespace {
 
 bool IsSigningAction(std::uint32_t action) {

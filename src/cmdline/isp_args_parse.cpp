@@ -4,6 +4,8 @@
 #include "cmdline/command_line_reader.h"
 #include "firmware/firmware_slots.h"
 
+using namespace zvisp;
+
 int CCpIspArgsParse::ParseArgs(int argc, char** argv) {
   if (argv == nullptr) return 0;
   STRUCT_CP_ISP_CMD_ARGS args;

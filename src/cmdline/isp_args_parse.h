@@ -35,7 +35,7 @@ class CCpIspArgsParse {
   int ParseArgs(int argc, char** argv, STRUCT_CP_ISP_CMD_ARGS& args);
 
   // The files and start banks as typed.
-  const FwBankMap& GetSlots() const { return m_slots; }
+  const zvisp::FwBankMap& GetSlots() const { return m_slots; }
 
   // Judges the raw arguments and fills both records. For --sign and --verify with a signature type
   // the result is that of CCpDigitalSignArgsHandle.
@@ -55,14 +55,14 @@ class CCpIspArgsParse {
   int InsertCommandFwFile(unsigned int slot, const std::string& path);
   int InsertCommandStartBank(unsigned int slot, const std::string& text);
   int GetFwBankCount(std::string& path, unsigned int& banks) const;
-  int JudgeFwMap(FwBankMap& bankMap) const;
+  int JudgeFwMap(zvisp::FwBankMap& bankMap) const;
 
   // The firmware searches; see firmware/firmware_search.h.
-  void FindFile(const std::string& dir, FileNames& out, const std::string& ext) const;
+  void FindFile(const std::string& dir, zvisp::FileNames& out, const std::string& ext) const;
   int GetBinNameFromPrefixSetting(std::string& fwName, const std::string& settingFile);
   int GetUserDefinedInfoFromTxt(STRUCT_CP_GET_USER_DEFINED_BIN_INFO& info) const;
   int GetUserDefinedBinNameFromTxt(std::string& fwName) const;
-  int FindBinUseVersionInfo(FileNames& out, const FileNames& candidates,
+  int FindBinUseVersionInfo(zvisp::FileNames& out, const zvisp::FileNames& candidates,
                             ENUM_FIND_BIN_MODE_USE_VER_MODE& mode,
                             const std::string& version) const;
 
@@ -110,10 +110,10 @@ class CCpIspArgsParse {
   int JudgeActionParameters(const STRUCT_CP_ISP_CMD_ARGS& args);
 
   std::string m_current_dir;
-  FwBankMap m_slots;
+  zvisp::FwBankMap m_slots;
   CCpTransform m_transform;
-  Zeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting{MakeFreshSetting()};
-  Zeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> m_sign_args;
+  zvisp::Zeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting{zvisp::MakeFreshSetting()};
+  zvisp::Zeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> m_sign_args;
 };
 
 #endif  // ZVISP_CMDLINE_ISP_ARGS_PARSE_H_

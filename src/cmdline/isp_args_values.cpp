@@ -11,6 +11,8 @@
 #include "cmdline/isp_args_parse.h"
 #include "cmdline/option_table.h"
 
+using namespace zvisp;
+
 namespace {
 
 constexpr std::uint32_t kCountMask = 0xFF;

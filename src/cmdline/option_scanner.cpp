@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstring>
 
+using namespace zvisp;
+
 namespace {
 
 constexpr int kFirstWord = 1;

@@ -16,6 +16,8 @@
 
 #include <vector>
 
+namespace zvisp {
+
 // Kinds of a long option.
 constexpr int kNoArgument = 0;
 constexpr int kRequiredArgument = 1;
@@ -28,6 +30,8 @@ constexpr int kScanFlagStored = 0;         // a long option matched and stored t
 constexpr int kScanNonOption = 1;          // a word returned in order: the scanner always permutes
 constexpr int kScanMissingArgument = ':';  // only when the short-command string begins with ":"
 constexpr int kScanError = '?';
+
+}  // namespace zvisp
 
 // One long option. The scanner copies the unit, but not the name and not the integer that the
 // pointer points at: both must outlive the scan.

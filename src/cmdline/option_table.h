@@ -19,6 +19,8 @@
 #include "plugin/command_setting.h"
 #include "plugin/digital_sign_args.h"
 
+namespace zvisp {
+
 // A member of the raw argument record with one bit for each option of a kind.
 using BitField = std::uint32_t STRUCT_CP_ISP_CMD_ARGS::*;
 
@@ -192,5 +194,7 @@ constexpr bool AllRowsDiffer() {
 static_assert(std::all_of(std::begin(kOptions), std::end(kOptions), IsLegal),
               "a single bit, or a code below those of the scanner");
 static_assert(AllRowsDiffer(), "each name once, each value once within its field");
+
+}  // namespace zvisp
 
 #endif  // ZVISP_CMDLINE_OPTION_TABLE_H_

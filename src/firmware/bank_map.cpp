@@ -5,6 +5,8 @@
 
 #include "base/string_util.h"
 
+using namespace zvisp;
+
 namespace {
 
 // Wide units of a bank entry's path that are filled; plug-ins have always seen at most these.

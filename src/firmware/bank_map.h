@@ -26,14 +26,18 @@ struct STRUCT_FW_BANK_SETTING {
   CCpZvString strFwPath;         // slot map: as given; bank map: full path
 };
 
+namespace zvisp {
+
 using FwBankMap = std::map<unsigned int, STRUCT_FW_BANK_SETTING, sortAscending<unsigned int>>;
+
+}  // namespace zvisp
 
 // Writes the bank map into the record's map in ascending order of the target bank. Paths are cut
 // at 256 units. The caller sees to it that the map has at most 256 entries (JudgeFwMap does); more
 // are left out.
-void CopyMapFwToCStyleStruct(STRUCT_C_STYLE_MAP_FW& out, const FwBankMap& bankMap);
+void CopyMapFwToCStyleStruct(STRUCT_C_STYLE_MAP_FW& out, const zvisp::FwBankMap& bankMap);
 
 // Reads the valid entries of the record's map back into a bank map, which is emptied first.
-void CopyCStyleStructToMapFw(FwBankMap& out, const STRUCT_C_STYLE_MAP_FW& map);
+void CopyCStyleStructToMapFw(zvisp::FwBankMap& out, const STRUCT_C_STYLE_MAP_FW& map);
 
 #endif  // ZVISP_FIRMWARE_BANK_MAP_H_

@@ -12,6 +12,8 @@
 #include "base/string_util.h"
 #include "settings/isp_setting.h"
 
+using namespace zvisp;
+
 namespace {
 
 using Info = STRUCT_CP_GET_USER_DEFINED_BIN_INFO;

@@ -15,12 +15,16 @@
 #include "firmware/user_defined_info.h"
 #include "plugin/command_setting.h"
 
+namespace zvisp {
+
 using FileNames = std::vector<std::string>;
+
+}  // namespace zvisp
 
 // Appends, in the directory's own order, each name in `dir` that ends with `ext`, case counted,
 // and is longer than it. Directories and every other kind of entry are listed, too. A directory
 // that cannot be opened has no entries.
-void FindFile(const std::string& dir, FileNames& out, const std::string& ext);
+void FindFile(const std::string& dir, zvisp::FileNames& out, const std::string& ext);
 
 // Stores in `fw_name` the only ".bin" name that begins with, and is longer than, the text of key
 // "strFwPrefix" in section "ISP_Fw" of the settings file, and returns 1. Otherwise leaves it alone,
@@ -48,7 +52,7 @@ int GetUserDefinedBinNameFromTxt(const std::string& dir, std::string& fw_name);
 //           followed by "bin": for "1.2.3", "fw_1.bin" is dropped and "fw_2.0.bin" kept. Blanks
 //           inside the version count as "."; a version without either selects nothing.
 //   Any other mode: none.
-int FindBinUseVersionInfo(FileNames& out, const FileNames& candidates,
+int FindBinUseVersionInfo(zvisp::FileNames& out, const zvisp::FileNames& candidates,
                           ENUM_FIND_BIN_MODE_USE_VER_MODE& mode, const std::string& version);
 
 #endif  // ZVISP_FIRMWARE_FIRMWARE_SEARCH_H_

@@ -6,6 +6,8 @@
 #include "base/path.h"
 #include "base/string_util.h"
 
+using namespace zvisp;
+
 namespace {
 
 constexpr int kMaxStartBank = 255;
@@ -13,7 +15,7 @@ constexpr int kMissingStartBank = -1;
 
 bool NeedsFirmwareFiles(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
   // To record the version of a firmware file, that file is read.
-  return ProgramsFirmware(setting.enumActionType) ||
+  return zvisp::ProgramsFirmware(setting.enumActionType) ||
          (setting.enumActionType == CP_ISPTOOL_ACTION_RECORD_VERSION &&
           (setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN ||
            setting.enumVersionLocationType == VERSION_LOCATION_FW_BIN_CMD));
@@ -62,7 +64,7 @@ int ExpandSlot(const STRUCT_FW_BANK_SETTING& slot, const std::string& directory,
 
 }  // namespace
 
-bool ProgramsFirmware(std::uint32_t action) {
+bool zvisp::ProgramsFirmware(std::uint32_t action) {
   switch (action) {
     case CP_ISPTOOL_ACTION_ISP:
     case CP_ISPTOOL_ACTION_ISP_USER:

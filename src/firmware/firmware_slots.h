@@ -14,14 +14,18 @@
 
 #include "firmware/bank_map.h"
 
+namespace zvisp {
+
 // True for the actions that write firmware files to the display.
 bool ProgramsFirmware(std::uint32_t action);
 
+}  // namespace zvisp
+
 // Gives a slot its file. Refuses a slot that already has one.
-int InsertCommandFwFile(FwBankMap& slots, unsigned int slot, const std::wstring& path);
+int InsertCommandFwFile(zvisp::FwBankMap& slots, unsigned int slot, const std::wstring& path);
 
 // Gives a slot its start bank, a number 0..255. The last value given counts.
-int InsertCommandStartBank(FwBankMap& slots, unsigned int slot, const std::string& text);
+int InsertCommandStartBank(zvisp::FwBankMap& slots, unsigned int slot, const std::string& text);
 
 // Makes the path a full one and counts the file's banks of 65536 bytes, the last one possibly
 // partial. Only the low 32 bits of the size count. Refuses what is not a readable regular file.
@@ -31,7 +35,7 @@ int GetFwBankCount(const std::string& directory, std::string& path, unsigned int
 // firmware files. Refuses missing firmware, unless a search was asked for, files that cannot be
 // opened, a bank that two slots claim, and more than 256 banks. The map counts only when the
 // result is 1.
-int JudgeFwMap(const FwBankMap& slots, const std::string& directory,
-               const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, FwBankMap& bankMap);
+int JudgeFwMap(const zvisp::FwBankMap& slots, const std::string& directory,
+               const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, zvisp::FwBankMap& bankMap);
 
 #endif  // ZVISP_FIRMWARE_FIRMWARE_SLOTS_H_

@@ -7,6 +7,8 @@
 #include "base/transform.h"
 #include "settings/profile.h"
 
+using namespace zvisp;
+
 namespace {
 
 using Info = STRUCT_CP_GET_USER_DEFINED_BIN_INFO;

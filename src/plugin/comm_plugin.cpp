@@ -6,6 +6,8 @@
 
 #include "plugin/dynamic_library.h"
 
+using namespace zvisp;
+
 namespace {
 
 using Exports = CZvComm::Exports;

@@ -63,7 +63,7 @@ class CZvComm {
 
   struct Exports {
 #define OPERATION(slot, look_up, Returns, unloaded, Method, Parameters, Arguments) \
-  Export<Register<Returns> Parameters, unloaded> Method;
+  zvisp::Export<Register<Returns> Parameters, unloaded> Method;
 #include "plugin/comm_operations.inc"
   };
 

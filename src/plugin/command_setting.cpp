@@ -6,6 +6,8 @@
 
 #include "plugin/setting_defaults.h"
 
+using namespace zvisp;
+
 // The constructors are not inline: a compiler that sees the zero fill and the construction together
 // may drop the fill as a dead store.
 

@@ -9,6 +9,8 @@
 #include "base/path.h"
 #include "base/string_util.h"
 
+using namespace zvisp;
+
 namespace {
 
 using Args = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
@@ -79,7 +81,7 @@ bool Fits(const std::string& path) {
 
 }  // namespace
 
-std::string DefaultSignatureFile(const std::string& firmware, const std::string& directory) {
+std::string zvisp::DefaultSignatureFile(const std::string& firmware, const std::string& directory) {
   return GetFileFullPath(firmware, directory) + ".sig";
 }
 

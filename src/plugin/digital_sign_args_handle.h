@@ -14,9 +14,13 @@
 
 #include "plugin/digital_sign_args.h"
 
+namespace zvisp {
+
 // The full path of the signature that signing the firmware writes when none is named. The directory
 // ends in "/".
 std::string DefaultSignatureFile(const std::string& firmware, const std::string& directory);
+
+}  // namespace zvisp
 
 class CCpDigitalSignArgsHandle {
  public:

@@ -5,6 +5,8 @@
 
 #include "base/transform.h"
 
+namespace zvisp {
+
 OpenedLibrary OpenLibrary(const wchar_t* path) {
   OpenedLibrary library;
   library.path = CCpTransform().ConvertWCHARToANSIString(path);
@@ -28,3 +30,5 @@ const char* LastLoaderError() {
   const char* const reason = dlerror();
   return reason == nullptr ? "" : reason;
 }
+
+}  // namespace zvisp

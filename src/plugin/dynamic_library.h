@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace zvisp {
+
 // An attempt to open a library: its handle, null on failure, with the path as it was given to the
 // loader and the loader's reason.
 struct OpenedLibrary {
@@ -24,5 +26,7 @@ bool CloseLibrary(void*& handle);
 
 // The loader's text on the last failure, never null.
 const char* LastLoaderError();
+
+}  // namespace zvisp
 
 #endif  // ZVISP_PLUGIN_DYNAMIC_LIBRARY_H_

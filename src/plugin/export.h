@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <type_traits>
 
+namespace zvisp {
+
 // What binding needs to know of an export: its address in the loaded library, null when unbound,
 // and the symbol that it was found by.
 class ExportSlot {
@@ -77,5 +79,7 @@ bool BindExports(void* library, Proxy& proxy, const ExportRow<Proxy> (&table)[kR
   }
   return true;
 }
+
+}  // namespace zvisp
 
 #endif  // ZVISP_PLUGIN_EXPORT_H_

@@ -7,6 +7,8 @@
 
 #include "plugin/setting_defaults.h"
 
+namespace zvisp {
+
 namespace {
 
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
@@ -41,3 +43,5 @@ ZeroedPtr<Setting> MakeFreshCopy(const Setting& from) {
   std::memcpy(target + kAfterBanks, source + kAfterBanks, sizeof(Setting) - kAfterBanks);
   return copy;
 }
+
+}  // namespace zvisp

@@ -14,6 +14,8 @@
 #include "plugin/command_setting.h"
 #include "plugin/zeroed.h"
 
+namespace zvisp {
+
 // A record with the bytes that the constructor gives over zeroed memory. The caller owns it; null
 // when memory is exhausted.
 ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> MakeFreshSetting();
@@ -25,5 +27,7 @@ ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> MakeFreshSetting();
 // now. Entries above ulCount are not copied.
 ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> MakeFreshCopy(
     const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& from);
+
+}  // namespace zvisp
 
 #endif  // ZVISP_PLUGIN_FRESH_SETTING_H_

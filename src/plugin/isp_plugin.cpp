@@ -5,6 +5,8 @@
 
 #include "plugin/dynamic_library.h"
 
+using namespace zvisp;
+
 using enum ExportNeed;
 
 // In the order of the look-up: the first required symbol that is missing ends it.

@@ -13,13 +13,17 @@
 
 class CZvComm;
 
+namespace zvisp {
+
 // The result of a call that is not bound.
 inline constexpr int kExportNotBound = 6;
 
+}  // namespace zvisp
+
 class CCpIsp {
   using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
-  using SettingCall = Export<int(Setting*), kExportNotBound>;
-  using SettingAndBytesCall = Export<int(Setting*, unsigned char*), kExportNotBound>;
+  using SettingCall = zvisp::Export<int(Setting*), zvisp::kExportNotBound>;
+  using SettingAndBytesCall = zvisp::Export<int(Setting*, unsigned char*), zvisp::kExportNotBound>;
 
  public:
   CCpIsp() { Init(); }
@@ -46,9 +50,9 @@ class CCpIsp {
   // gap: the actions of those calls end with code 6 whatever a library exports.
   SettingCall IspFlash;
   SettingAndBytesCall GetKeyFromFlash;
-  Export<void(CZvComm*)> SetCommInterface;
+  zvisp::Export<void(CZvComm*)> SetCommInterface;
   SettingCall RecordFWVersion;
-  Export<void(void (*)(int), void (*)(wchar_t*), void* (*)())> SetUIFunction;
+  zvisp::Export<void(void (*)(int), void (*)(wchar_t*), void* (*)())> SetUIFunction;
   SettingCall GetFWInfo;  // never looked up
   SettingCall DumpFlash;
   SettingCall GetUserDefinedInfoFromDDCCI;
@@ -66,7 +70,7 @@ class CCpIsp {
   struct Table;
 
   void* m_library = nullptr;
-  Export<int(void*)> m_set_idev;
+  zvisp::Export<int(void*)> m_set_idev;
 };
 
 #endif  // ZVISP_PLUGIN_ISP_PLUGIN_H_

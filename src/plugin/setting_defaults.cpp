@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <iterator>
 
+namespace zvisp {
+
 namespace {
 
 constexpr std::int32_t kNotYetJudged = -1;
@@ -30,3 +32,5 @@ void SetScalarDefaults(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
   std::fill(std::begin(setting.szBootFwPath), std::end(setting.szBootFwPath), '\0');
   std::fill(std::begin(setting.wszSettingFilePath), std::end(setting.wszSettingFilePath), L'\0');
 }
+
+}  // namespace zvisp

@@ -5,6 +5,8 @@
 
 #include "plugin/dynamic_library.h"
 
+using namespace zvisp;
+
 using enum ExportNeed;
 
 struct CCpSignVerify::Table {

@@ -8,10 +8,14 @@
 #include "plugin/digital_sign_args.h"
 #include "plugin/export.h"
 
+namespace zvisp {
+
 // Result codes of signing and verifying.
 inline constexpr int kSigningFailed = 16386;        // 0x4002
 inline constexpr int kVerificationFailed = 16387;   // 0x4003
 inline constexpr int kSignPluginNotLoaded = 16388;  // 0x4004
+
+}  // namespace zvisp
 
 class CCpSignVerify {
  public:
@@ -42,8 +46,8 @@ class CCpSignVerify {
   struct Table;
 
   void* m_library = nullptr;
-  Export<int(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS*)> m_sign;
-  Export<int(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS*, char*)> m_verify;
+  zvisp::Export<int(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS*)> m_sign;
+  zvisp::Export<int(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS*, char*)> m_verify;
 };
 
 #endif  // ZVISP_PLUGIN_SIGN_VERIFY_PLUGIN_H_

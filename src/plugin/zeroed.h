@@ -13,6 +13,8 @@
 #include <type_traits>
 #include <utility>
 
+namespace zvisp {
+
 // Gives a record made by MakeZeroed back to the heap.
 struct FreeZeroed {
   void operator()(void* record) const { std::free(record); }
@@ -54,5 +56,7 @@ void CopyBytes(Record& to, const Record& from) {
   static_assert(std::is_trivially_copyable_v<Record>);
   std::memcpy(static_cast<void*>(&to), &from, sizeof(Record));
 }
+
+}  // namespace zvisp
 
 #endif  // ZVISP_PLUGIN_ZEROED_H_

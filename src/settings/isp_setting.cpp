@@ -16,6 +16,8 @@
 #include "base/transform.h"
 #include "settings/profile.h"
 
+using namespace zvisp;
+
 namespace {
 
 using Record = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
@@ -85,8 +87,8 @@ void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size) {
   std::wcscpy(output, fits ? path.GetString() : L"");
 }
 
-void FillSettingFilePath(const std::string& setting_file,
-                         wchar_t (&wszSettingFilePath)[kPathCapacity]) {
+void zvisp::FillSettingFilePath(const std::string& setting_file,
+                                wchar_t (&wszSettingFilePath)[kPathCapacity]) {
   // A plug-in receives the record whole, so nothing of a longer path from before may be left.
   std::fill(std::begin(wszSettingFilePath), std::end(wszSettingFilePath), L'\0');
   if (setting_file.empty()) {
@@ -99,7 +101,7 @@ void FillSettingFilePath(const std::string& setting_file,
                    wszSettingFilePath, kPathCapacity);
 }
 
-std::string ReadFwPrefix(const wchar_t* settings) {
+std::string zvisp::ReadFwPrefix(const wchar_t* settings) {
   return CCpTransform().ConvertUnicodeStringToUTF8(
       ReadProfileText(kFirmwareSection, L"strFwPrefix", settings, kPathCapacity));
 }

@@ -19,6 +19,8 @@
 // fit `output_size` wide units with its terminating zero.
 void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size);
 
+namespace zvisp {
+
 // Stores the full path of the settings file that the operator named, UTF-8 and relative to the
 // executable's directory, or of the default one when the text is empty. The path is cut so that
 // its terminating zero fits, and zeros fill the rest.
@@ -28,6 +30,8 @@ void FillSettingFilePath(const std::string& setting_file,
 // The text of key "strFwPrefix" in section "ISP_Fw" of the settings file: the beginning of the
 // wanted firmware's file name, as UTF-8, cut to 259 wide units. Empty when there is none.
 std::string ReadFwPrefix(const wchar_t* settings);
+
+}  // namespace zvisp
 
 // Stores the number of 65536-byte banks that the file needs, a partial one counted whole. For a
 // file that cannot be read, or is not an ordinary file, prints "File open fail! %s\n" with the

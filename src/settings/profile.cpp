@@ -7,6 +7,8 @@
 #include "settings/profile_reader.h"
 #include "settings/profile_writer.h"
 
+using namespace zvisp;
+
 unsigned int CpZvGetPrivateProfileStringW(const wchar_t* section, const wchar_t* key,
                                           const wchar_t* default_value, wchar_t* output,
                                           unsigned int /*output_size*/, const wchar_t* file_name) {
@@ -23,14 +25,14 @@ int CpZvWritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, c
   return WriteProfileString<WideFamily>(section, {key, value}, file_name);
 }
 
-void WriteProfileChanges(const wchar_t* section,
-                         const std::vector<ProfileChange<std::wstring>>& changes,
-                         const wchar_t* file_name) {
+void zvisp::WriteProfileChanges(const wchar_t* section,
+                                const std::vector<ProfileChange<std::wstring>>& changes,
+                                const wchar_t* file_name) {
   WriteProfileStrings<WideFamily>(section, changes, file_name);
 }
 
-std::wstring ReadProfileText(const wchar_t* section, const wchar_t* key, const wchar_t* file_name,
-                             std::size_t capacity) {
+std::wstring zvisp::ReadProfileText(const wchar_t* section, const wchar_t* key,
+                                    const wchar_t* file_name, std::size_t capacity) {
   wchar_t value[kProfileValueCapacity] = {};
   CpZvGetPrivateProfileStringW(section, key, L"", value, kProfileValueCapacity, file_name);
   return std::wstring(value).substr(0, capacity - 1);

@@ -23,8 +23,12 @@
 #include <string>
 #include <vector>
 
+namespace zvisp {
+
 // Wide units or bytes, terminating zero included, that every output buffer must hold.
 constexpr unsigned int kProfileValueCapacity = 1024;
+
+}  // namespace zvisp
 
 // The wide family: file names and contents in the encoding of the environment's locale.
 
@@ -56,6 +60,8 @@ int CpZvGetPrivateProfileIntW(const wchar_t* section, const wchar_t* key, int de
 int CpZvWritePrivateProfileStringW(const wchar_t* section, const wchar_t* key, const wchar_t* value,
                                    const wchar_t* file_name);
 
+namespace zvisp {
+
 // A key and the value that it gets.
 template <typename Text>
 struct ProfileChange {
@@ -76,6 +82,8 @@ void WriteProfileChanges(const wchar_t* section,
 // is none.
 std::wstring ReadProfileText(const wchar_t* section, const wchar_t* key, const wchar_t* file_name,
                              std::size_t capacity);
+
+}  // namespace zvisp
 
 // The narrow family: bytes as they are. Header lines, and all lines that are written, go through
 // DeleteBlankA, which never returns once a line holds a blank: only for files without blanks.

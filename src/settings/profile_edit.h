@@ -13,6 +13,8 @@
 
 #include "settings/profile_reader.h"
 
+namespace zvisp {
+
 template <typename Family>
 using ProfileChanges = std::vector<ProfileChange<ProfileText<Family>>>;
 
@@ -115,5 +117,7 @@ class ProfileEdit {
   bool m_in_section = false;
   bool m_reads_back = true;
 };
+
+}  // namespace zvisp
 
 #endif  // ZVISP_SETTINGS_PROFILE_EDIT_H_

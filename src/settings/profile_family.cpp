@@ -11,6 +11,8 @@
 #include "base/string_util.h"
 #include "base/transform.h"
 
+namespace zvisp {
+
 namespace {
 
 // What mbrtowc and wcrtomb return instead of lengths.
@@ -105,3 +107,5 @@ void NarrowFamily::ReportUnreadableFile() {
 long long NarrowFamily::ParseInt(const char* text) {
   return std::strtoll(text, nullptr, 0);
 }
+
+}  // namespace zvisp

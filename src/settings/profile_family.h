@@ -9,6 +9,8 @@
 
 #include "base/environment_locale.h"
 
+namespace zvisp {
+
 // What comes next in a file: a unit of the family, the end, or bytes that are not text.
 enum class ProfileInput { kUnit, kEnd, kBadText };
 
@@ -54,5 +56,7 @@ struct NarrowFamily {
   static void ReportUnreadableFile();
   static long long ParseInt(const char* text);
 };
+
+}  // namespace zvisp
 
 #endif  // ZVISP_SETTINGS_PROFILE_FAMILY_H_

@@ -8,6 +8,8 @@
 
 #include "settings/profile_stream.h"
 
+namespace zvisp {
+
 // The line that opens a section.
 template <typename Family>
 ProfileText<Family> ProfileHeader(const typename Family::Char* section) {
@@ -76,5 +78,7 @@ int ReadProfileInt(const typename Family::Char* section, const typename Family::
   const unsigned int length = ReadProfileString<Family>(section, key, kNoText, value, file_name);
   return length == 0 ? default_value : static_cast<int>(Family::ParseInt(value));
 }
+
+}  // namespace zvisp
 
 #endif  // ZVISP_SETTINGS_PROFILE_READER_H_

@@ -13,6 +13,8 @@
 #include "settings/profile.h"
 #include "settings/profile_family.h"
 
+namespace zvisp {
+
 // A line or a part of one, in the units of the family.
 template <typename Family>
 using ProfileText = std::basic_string<typename Family::Char>;
@@ -75,5 +77,7 @@ class ProfileStream {
   typename Family::Encoding m_encoding;
   std::unique_ptr<std::FILE, Close> m_file;
 };
+
+}  // namespace zvisp
 
 #endif  // ZVISP_SETTINGS_PROFILE_STREAM_H_

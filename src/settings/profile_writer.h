@@ -11,6 +11,8 @@
 
 #include "settings/profile_edit.h"
 
+namespace zvisp {
+
 // A whole file in memory, so that the file may be truncated afterwards. A file that cannot be
 // opened has no lines.
 template <typename Family>
@@ -93,5 +95,7 @@ void WriteProfileStrings(const ProfileText<Family>& section,
     lines = ProfileContent<Family>(file_name).lines;
   }
 }
+
+}  // namespace zvisp
 
 #endif  // ZVISP_SETTINGS_PROFILE_WRITER_H_

@@ -5,6 +5,8 @@
 
 #include "cmdline/option_table.h"
 
+using namespace zvisp;
+
 int main() {
   for (const OptionRow& row : kOptions) {
     std::printf("%s %s\n", row.name, row.argument == kRequiredArgument ? "value" : "alone");

@@ -6,6 +6,8 @@
 #include <tuple>
 #include <type_traits>
 
+using namespace zvisp;
+
 namespace comm_expected {
 
 namespace {

@@ -46,9 +46,9 @@ class ProfileFile {
   std::string Content() const { return ReadWholeFile(Path()); }
 
   ProfileRead Read(const wchar_t* section, const wchar_t* key) const {
-    wchar_t output[kProfileValueCapacity] = L"untouched";
+    wchar_t output[zvisp::kProfileValueCapacity] = L"untouched";
     const unsigned int length = CpZvGetPrivateProfileStringW(
-        section, key, L"default", output, kProfileValueCapacity, WidePath().c_str());
+        section, key, L"default", output, zvisp::kProfileValueCapacity, WidePath().c_str());
     return {length, output};
   }
   int ReadInt(const wchar_t* section, const wchar_t* key, int default_value) const {

@@ -14,6 +14,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace line {
 namespace {
 

@@ -108,10 +108,10 @@ class DispatcherTest : public testing::Test {
   }
 
   ScratchDir m_scratch;
-  ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting =
-      MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>();
-  ZeroedPtr<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> m_sign_args =
-      MakeZeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS>();
+  zvisp::ZeroedPtr<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING> m_setting =
+      zvisp::MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>();
+  zvisp::ZeroedPtr<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS> m_sign_args =
+      zvisp::MakeZeroed<STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS>();
   void* m_device = nullptr;
   std::string m_out;
 

@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 // What the process of a test ends with.

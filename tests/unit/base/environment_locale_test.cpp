@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 constexpr const char* kUnknown = "xx_YY.no-such-locale";

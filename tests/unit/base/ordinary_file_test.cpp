@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 bool Opens(const std::string& path, const char* mode) {

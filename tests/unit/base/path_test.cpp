@@ -17,6 +17,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 namespace fs = std::filesystem;

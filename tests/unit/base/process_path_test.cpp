@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 TEST(ReadProcessPath, StaysInsideItsBufferAndTerminatesThePath) {

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 // The kinds of all tokens of a text, a digit each.

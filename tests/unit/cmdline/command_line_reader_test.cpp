@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 class CommandLineReaderTest : public testing::Test {

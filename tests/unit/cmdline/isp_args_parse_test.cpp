@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 class IspArgsParse : public CommandLineTest {};

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 using Unit = STRUCT_CP_LONG_CMD_UNIT;

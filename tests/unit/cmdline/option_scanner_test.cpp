@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 using Unit = STRUCT_CP_LONG_CMD_UNIT;

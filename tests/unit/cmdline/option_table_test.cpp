@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 // The scanner's messages show all three: the names, in their order, where an abbreviation is

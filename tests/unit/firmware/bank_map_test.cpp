@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 STRUCT_FW_BANK_SETTING Entry(std::uint32_t bank, const wchar_t* path) {

@@ -14,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 // The slots of a command line and the files that they name, in a directory of their own.

@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 std::string ReadA(const ProfileFile& file, const char* key, unsigned int expected_length) {

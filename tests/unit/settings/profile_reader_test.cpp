@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 using std::string_literals::operator""s;

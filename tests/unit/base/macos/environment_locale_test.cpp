@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace zvisp;
+
 namespace {
 
 std::string EncodingWith(const char* variable, const char* locale) {

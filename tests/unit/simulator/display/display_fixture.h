@@ -21,7 +21,7 @@
 
 class DisplayTest : public testing::Test {
  protected:
-  DisplayTest() : m_setting(MakeZeroed<simulator::Setting>()) {
+  DisplayTest() : m_setting(zvisp::MakeZeroed<simulator::Setting>()) {
     setenv("ZVISP_SIM_DIR", m_scratch.Path().c_str(), 1);
     m_setting->enumActionType = 4;
     m_setting->enumCommID = 1;
@@ -60,7 +60,7 @@ class DisplayTest : public testing::Test {
   }
 
   ScratchDir m_scratch;
-  ZeroedPtr<simulator::Setting> m_setting;
+  zvisp::ZeroedPtr<simulator::Setting> m_setting;
   simulator::Host m_host;
 };
 
