@@ -15,9 +15,9 @@ std::string_view NameIn(std::string_view word) {
 }
 
 // Rows whose name begins so; one alone when it is the whole name.
-std::vector<const OptionRow*> Candidates(std::string_view name) {
-  std::vector<const OptionRow*> found;
-  for (const OptionRow& row : kOptions) {
+std::vector<const zvisp::OptionRow*> Candidates(std::string_view name) {
+  std::vector<const zvisp::OptionRow*> found;
+  for (const zvisp::OptionRow& row : zvisp::kOptions) {
     if (row.name == name) return {&row};
     if (std::string_view(row.name).substr(0, name.size()) == name) found.push_back(&row);
   }
@@ -30,14 +30,14 @@ Refusal NoOption(const std::string& word) {
 }
 
 // What is wrong with a word that the scanner cannot read.
-Refusal WhyNot(const std::string& word, const std::vector<const OptionRow*>& candidates) {
+Refusal WhyNot(const std::string& word, const std::vector<const zvisp::OptionRow*>& candidates) {
   if (candidates.empty()) return NoOption(word);
   const std::string name = candidates.front()->name;
   if (candidates.size() > 1) {
     return {"ambiguous", "The option " + word + " could be --" + name + " or --" +
                              candidates[1]->name + "; write the whole name."};
   }
-  if (candidates.front()->argument == kRequiredArgument) {
+  if (candidates.front()->argument == zvisp::kRequiredArgument) {
     return {"value-missing", "The option --" + name + " needs a value; give it after the name."};
   }
   return {"value-not-taken",
@@ -52,7 +52,7 @@ class Pass {
     for (std::string& word : m_words)
       m_pointers.push_back(word.data());
     m_scanner.AddShortCmds(":");  // without diagnostics
-    for (const OptionRow& row : kOptions) {
+    for (const zvisp::OptionRow& row : zvisp::kOptions) {
       m_scanner.AddLongCmd(row.name, row.argument, nullptr, row.value);
     }
   }
@@ -85,7 +85,7 @@ void Pass::Step() {
     return;
   }
   if (m_only_words || word.size() < 3 || word.substr(0, 2) != "--") return Refuse(NoOption(word));
-  const std::vector<const OptionRow*> candidates = Candidates(NameIn(word));
+  const std::vector<const zvisp::OptionRow*> candidates = Candidates(NameIn(word));
   // The scanner lists the names of an ambiguous word whatever it is told.
   if (candidates.size() != 1) return Refuse(WhyNot(word, candidates));
   int row = -1;
@@ -95,7 +95,7 @@ void Pass::Step() {
     return;
   }
   const char* const value = m_scanner.GetCmdArg();
-  m_scan.options.push_back({&kOptions[row], value == nullptr ? "" : value});
+  m_scan.options.push_back({&zvisp::kOptions[row], value == nullptr ? "" : value});
 }
 
 // The scanner never sees the word, so that it continues with the next one.
@@ -120,8 +120,8 @@ OptionScan ScanOptions(const std::vector<std::string>& words) {
 std::string ActionNameOf(const OptionScan& scan) {
   const auto found =
       std::find_if(scan.options.begin(), scan.options.end(), [](const GivenOption& option) {
-        const AddBits* const bits = std::get_if<AddBits>(&option.row->effect);
-        return bits != nullptr && bits->field == &Args::ulActionBits;
+        const zvisp::AddBits* const bits = std::get_if<zvisp::AddBits>(&option.row->effect);
+        return bits != nullptr && bits->field == &STRUCT_CP_ISP_CMD_ARGS::ulActionBits;
       });
   return found == scan.options.end() ? "" : found->row->name;
 }

@@ -19,7 +19,7 @@ struct Refusal {
 };
 
 struct GivenOption {
-  const OptionRow* row = nullptr;
+  const zvisp::OptionRow* row = nullptr;
   std::string value;  // empty for an option that takes none
 };
 

@@ -35,7 +35,7 @@ void RefuseRepeatedValues(const Question& question) {
     const auto is_in = [name](const auto& list) {
       return std::find(list.begin(), list.end(), name) != list.end();
     };
-    if (option.row->argument != kRequiredArgument) continue;
+    if (option.row->argument != zvisp::kRequiredArgument) continue;
     if (is_in(seen) && !is_in(told)) {
       told.push_back(name);
       question.Refuse("repeated", "The option --" + std::string(name) +
@@ -94,7 +94,7 @@ void RefuseEmptyFiles(const Question& question) {
   for (const auto& [slot, entry] : question.judged.slots) {
     const std::string path = GetFileFullPath(entry.strFwPath.GetUtf8String(), "./");
     std::uint64_t bytes = 0;
-    if (!GetRegularFileSize(path, bytes)) {
+    if (!zvisp::GetRegularFileSize(path, bytes)) {
       question.Refuse("not-a-file",
                       "The firmware " + path + " is no ordinary file that can be read; give one.");
     } else if (bytes == 0) {
@@ -112,7 +112,7 @@ void RefuseBootPath(const Question& question) {
     question.Refuse("boot-relative", "The boot file " + *path +
                                          " would be looked for beside the executable; give its "
                                          "full path.");
-  } else if (!GetRegularFileSize(*path, bytes)) {
+  } else if (!zvisp::GetRegularFileSize(*path, bytes)) {
     question.Refuse("boot-missing",
                     "The boot file " + *path + " cannot be opened; give one that can be read.");
   } else if (bytes == 0) {

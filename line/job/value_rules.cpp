@@ -151,8 +151,8 @@ void CheckSlots(const JudgedWords& judged, std::vector<Refusal>& refusals) {
 }
 
 // --bank and --bank1 to --bank9.
-bool IsStartBank(const OptionRow& row) {
-  return std::holds_alternative<InsertStartBank>(row.effect);
+bool IsStartBank(const zvisp::OptionRow& row) {
+  return std::holds_alternative<zvisp::InsertStartBank>(row.effect);
 }
 
 }  // namespace

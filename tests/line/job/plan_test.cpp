@@ -22,7 +22,7 @@ constexpr const char* kOfB = "3e23e8160039594a33894f6564e1b1348bbd7a0088d42c4acb
 
 class PlanTest : public testing::Test {
  protected:
-  PlanTest() { m_judged.setting = MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>(); }
+  PlanTest() { m_judged.setting = zvisp::MakeZeroed<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING>(); }
 
   // As the command line and judgement leave it.
   void GivenSlot(unsigned int slot, const std::string& typed, unsigned int start_bank,
@@ -43,7 +43,7 @@ class PlanTest : public testing::Test {
 
   ScratchDir m_directory;
   JudgedWords m_judged;
-  FwBankMap m_map;
+  zvisp::FwBankMap m_map;
   std::string m_error;
 };
 
