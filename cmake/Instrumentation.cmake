@@ -18,6 +18,10 @@ endif()
 if(ZVISP_BUILD_FUZZERS)
   # The fuzzer steers by the branches that an input takes in our code.
   add_compile_options(-fsanitize=fuzzer-no-link)
+  if(NOT ZVISP_SANITIZE)
+    # To trace each comparison as well takes as long as all the rest. The slower build does it.
+    add_compile_options(-fno-sanitize-coverage=trace-cmp)
+  endif()
 endif()
 
 # What ships is never instrumented, so tests of what ships leave such builds out.

@@ -4,16 +4,17 @@
 //
 // Promises: a value that is read is terminated within its buffer and as long as the reader says;
 // where nothing is read, the buffer holds the default or what it held before; writing the same
-// value twice gives the same file; several keys at once give the file that key by key gives; and in
-// a plain file without that key, what is written is read back, by both families.
+// value twice gives the same file; several keys at once give the file that key by key gives; in a
+// plain file without that key, what is written is read back, by both families; and in a 7-bit file
+// what is read is what support/profile_model.h reads.
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
 #include "settings/profile.h"
 #include "support/fuzzing.h"
+#include "support/memory_files.h"
+#include "support/profile_model.h"
 
 using namespace zvisp;
 
@@ -25,8 +26,9 @@ struct Entry {
   std::string section, key, value;
 };
 
-std::string File() {
-  return FuzzDirectory() + "profile.ini";
+const std::string& File() {
+  static const std::string file = "/profile.ini";
+  return file;
 }
 
 std::wstring ReadWide(const Entry& entry) {
@@ -88,20 +90,26 @@ bool IsReadBack(const Entry& entry, const std::string& content) {
          content.find(entry.key) == std::string::npos;
 }
 
+bool HasModel(const Entry& entry, const std::string& content) {
+  return IsSevenBit(entry.section) && IsSevenBit(entry.key) && IsSevenBit(content);
+}
+
 void CheckWide(const Entry& entry, const std::string& content) {
-  WriteFile(File(), content);
-  ReadWide(entry);
+  GivenMemoryFile(File(), content);
+  const std::wstring value = ReadWide(entry);
+  PROMISE(!HasModel(entry, content) ||
+          value == Widen(ModelProfileValue(entry.section, entry.key, content)));
   CpZvGetPrivateProfileIntW(Widen(entry.section).c_str(), Widen(entry.key).c_str(), 5,
                             Widen(File()).c_str());
   if (WriteWide(entry) == 0) {
-    PROMISE(ReadFile(File()) == content);
+    PROMISE(MemoryFile(File()) == content);
     return;
   }
   if (IsReadBack(entry, content)) {
     PROMISE(ReadWide(entry) == Widen(entry.value));
-    const std::string written = ReadFile(File());
+    const std::string written = MemoryFile(File());
     PROMISE(WriteWide(entry) == 1);
-    PROMISE(ReadFile(File()) == written);
+    PROMISE(MemoryFile(File()) == written);
   }
 }
 
@@ -112,15 +120,15 @@ void CheckChanges(const Entry& entry, const std::string& content) {
   const std::wstring value = Widen(entry.value);
   const std::vector<ProfileChange<std::wstring>> changes = {
       {key, value}, {value, key}, {L"k", value}, {key, L"v"}};
-  WriteFile(File(), content);
+  GivenMemoryFile(File(), content);
   WriteProfileChanges(Widen(entry.section).c_str(), changes, Widen(File()).c_str());
-  const std::string at_once = ReadFile(File());
-  WriteFile(File(), content);
+  const std::string at_once = MemoryFile(File());
+  GivenMemoryFile(File(), content);
   for (const auto& change : changes) {
     CpZvWritePrivateProfileStringW(Widen(entry.section).c_str(), change.key.c_str(),
                                    change.value.c_str(), Widen(File()).c_str());
   }
-  PROMISE(ReadFile(File()) == at_once);
+  PROMISE(MemoryFile(File()) == at_once);
 }
 
 // The narrow family never returns from a line with a blank, so it is given none.
@@ -128,8 +136,10 @@ void CheckNarrow(Entry entry, std::string content) {
   for (std::string* const text : {&entry.section, &entry.key, &entry.value, &content}) {
     text->erase(std::remove(text->begin(), text->end(), ' '), text->end());
   }
-  WriteFile(File(), content);
-  ReadNarrow(entry);
+  GivenMemoryFile(File(), content);
+  const std::string value = ReadNarrow(entry);
+  PROMISE(!HasModel(entry, content) ||
+          value == ModelProfileValue(entry.section, entry.key, content));
   CpZvGetPrivateProfileIntA(entry.section.c_str(), entry.key.c_str(), 5, File().c_str());
   PROMISE(WriteNarrow(entry) == 1);
   if (IsReadBack(entry, content)) {
@@ -137,23 +147,25 @@ void CheckNarrow(Entry entry, std::string content) {
   }
 }
 
-}  // namespace
-
-int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  PROMISE(std::freopen("/dev/null", "w", stdout) != nullptr);
-  setenv("LC_ALL", "C.UTF-8", 1);
-  return 0;
+// A text is handed to C functions, so a zero ends it.
+std::string NextText(InputLines& lines) {
+  const std::string_view line = lines.Next();
+  return std::string(line.substr(0, line.find('\0')));
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+}  // namespace
+
+void PrepareTarget() {}
+
+void FuzzInput(const std::uint8_t* data, std::size_t size) {
   InputLines lines(data, size);
   Entry entry;
-  entry.section = lines.Next();
-  entry.key = lines.Next();
-  entry.value = lines.Next();
-  const std::string content = lines.Rest();
+  entry.section = NextText(lines);
+  entry.key = NextText(lines);
+  entry.value = NextText(lines);
+  const std::string content(lines.Rest());
   CheckWide(entry, content);
   CheckChanges(entry, content);
   CheckNarrow(entry, content);
-  return 0;
+  PROMISE(OpenMemoryStreams() == 0);
 }

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
 //
-// The option scanner. Input: a line with the short-option letters, then one word a line.
+// The option scanner. Input: a line with the short-option letters, then one word a line; a line
+// that is one zero is a null word.
 //
 // Promises: a scan ends; it only reorders the words; arguments lie inside words; and where every
 // word is a whole long option or no option at all, it agrees with the few rules of ModelScan.
 #include <algorithm>
-#include <cstring>
-#include <memory>
+#include <numeric>
+#include <string>
 
 #include "cmdline/option_scanner.h"
-#include "support/fuzzing.h"
+#include "support/argument_vector.h"
 
 using namespace zvisp;
 
@@ -38,106 +39,70 @@ constexpr Row kOptions[] = {
 
 struct Step {
   int code;
-  std::string argument;
+  std::string_view argument;
+
+  bool operator==(const Step&) const = default;
 };
 
 struct Scan {
   std::vector<Step> steps;
-  std::vector<std::string> order;
+  Words order;
   int index = 1;
 };
 
-using Words = std::vector<std::string>;
-
-Words Concatenated(const Words& first, const Words& second) {
-  Words all = first;
-  all.insert(all.end(), second.begin(), second.end());
-  return all;
-}
-
-// Every word in memory of its own, so that a sanitizer sees a step out of it.
-class Arguments {
- public:
-  explicit Arguments(const Words& words) : m_words(words) {
-    for (const std::string& word : m_words) {
-      m_copies.push_back(std::make_unique<char[]>(word.size() + 1));
-      std::memcpy(m_copies.back().get(), word.c_str(), word.size() + 1);
-      m_argv.push_back(m_copies.back().get());
-    }
-    m_argv.push_back(nullptr);
-  }
-  int Count() const { return static_cast<int>(m_words.size()); }
-  char* const* Vector() { return m_argv.data(); }
-
-  Words Order() const { return Words(m_argv.begin(), m_argv.end() - 1); }
-  bool Holds(const char* text) const {
-    return std::any_of(m_copies.begin(), m_copies.end(), [text](const auto& copy) {
-      return text >= copy.get() && text <= copy.get() + std::strlen(copy.get());
-    });
-  }
-  bool IsReordered() const {
-    Words before = m_words;
-    Words after = Order();
-    std::sort(before.begin(), before.end());
-    std::sort(after.begin(), after.end());
-    return before == after;
-  }
-
- private:
-  Words m_words;
-  std::vector<std::unique_ptr<char[]>> m_copies;
-  std::vector<char*> m_argv;
-};
-
 std::size_t Characters(const Words& words) {
-  std::size_t sum = words.size();
-  for (const std::string& word : words) {
-    sum += word.size();
-  }
-  return sum;
+  return std::accumulate(words.begin(), words.end(), words.size(),
+                         [](std::size_t sum, std::string_view word) { return sum + word.size(); });
 }
 
-Scan RunScanner(const Words& words, const std::string& letters, int long_only) {
+// An argument that the scanner gives; none for an error.
+std::string_view ArgumentOf(int code, const CpZvCmdLindParse& scanner,
+                            const ArgumentVector& arguments) {
+  const char* const argument = scanner.GetCmdArg();
+  PROMISE(argument == nullptr || arguments.Holds(argument));
+  return argument == nullptr || code == kScanError ? std::string_view() : argument;
+}
+
+Scan RunScanner(ArgumentVector& arguments, const std::string& letters, int long_only) {
   CpZvCmdLindParse scanner;
   scanner.AddShortCmds(letters.c_str());
   for (const Row& row : kOptions) {
     scanner.AddLongCmd(row.name, row.argument, nullptr, row.code);
   }
-  Arguments arguments(words);
+  char* const* const argv = arguments.Fresh();
+  const std::size_t most_steps = Characters(arguments.Input());
   Scan scan;
   for (;;) {
     int place = -1;
-    const int code =
-        scanner.ParseCmdLineHandler(arguments.Count(), arguments.Vector(), &place, long_only);
-    PROMISE(arguments.IsReordered());
+    const int code = scanner.ParseCmdLineHandler(arguments.Count(), argv, &place, long_only);
     PROMISE(scanner.GetCmdIndex() >= 1 && scanner.GetCmdIndex() <= std::max(1, arguments.Count()));
     if (code == kScanEnd) break;
-    const char* const argument = scanner.GetCmdArg();
-    PROMISE(argument == nullptr || arguments.Holds(argument));
-    scan.steps.push_back({code, argument == nullptr || code == kScanError ? "" : argument});
-    PROMISE(scan.steps.size() <= Characters(words));
+    scan.steps.push_back({code, ArgumentOf(code, scanner, arguments)});
+    PROMISE(scan.steps.size() <= most_steps);
   }
+  PROMISE(arguments.IsReordered());
   scan.order = arguments.Order();
   scan.index = scanner.GetCmdIndex();
   return scan;
 }
 
-const Row* FindRow(const std::string& word) {
+const Row* FindRow(std::string_view word) {
   if (word.rfind("--", 0) != 0) return nullptr;
-  const std::string name = word.substr(2, word.find('=') - 2);
+  const std::string_view name = word.substr(2, word.find('=') - 2);
   for (const Row& row : kOptions) {
     if (name == row.name) return &row;
   }
   return nullptr;
 }
 
-bool IsSimple(const std::string& word) {
+bool IsSimple(std::string_view word) {
+  if (word.data() == nullptr) return false;
   return word.empty() || word[0] != '-' || word == "-" || word == "--" || FindRow(word) != nullptr;
 }
 
-// The step of the option at words[i]; takes the argument behind it, too.
+// The step of the option at words[i]; takes the argument after it, too.
 Step ModelOption(const Words& words, std::size_t& i, Words& options) {
-  const std::string& word = words[i];
+  const std::string_view word = words[i];
   const Row& row = *FindRow(word);
   const std::size_t equals = word.find('=');
   options.push_back(word);
@@ -169,26 +134,26 @@ Scan ModelScan(const Words& words) {
     }
   }
   scan.index = static_cast<int>(options.size());
-  scan.order = Concatenated(options, others);
+  scan.order = options;
+  scan.order.insert(scan.order.end(), others.begin(), others.end());
   return scan;
 }
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void PrepareTarget() {}
+
+void FuzzInput(const std::uint8_t* data, std::size_t size) {
   InputLines lines(data, size);
-  const std::string letters = lines.Next();
-  const Words words = Concatenated({"zvisp"}, lines.AllWords());
-  RunScanner(words, letters, 1);
-  const Scan scan = RunScanner(words, letters, 0);
+  const std::string letters(lines.Next());
+  ArgumentVector arguments(lines);
+  RunScanner(arguments, letters, 1);
+  const Scan scan = RunScanner(arguments, letters, 0);
+  const Words& words = arguments.Input();
   const bool simple = std::all_of(words.begin() + 1, words.end(), IsSimple);
-  if (!simple || letters.find_first_of(":-+") == 0) return 0;
+  if (!simple || letters.find_first_of(":-+") == 0) return;
   const Scan model = ModelScan(words);
   PROMISE(scan.order == model.order);
   PROMISE(scan.index == model.index);
-  PROMISE(std::equal(scan.steps.begin(), scan.steps.end(), model.steps.begin(), model.steps.end(),
-                     [](const Step& left, const Step& right) {
-                       return left.code == right.code && left.argument == right.argument;
-                     }));
-  return 0;
+  PROMISE(scan.steps == model.steps);
 }

@@ -8,7 +8,6 @@
 #include <openssl/pem.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 
 #include "plugin/digital_sign_args.h"
@@ -78,18 +77,14 @@ void CheckCertificate(const std::string& path) {
 
 }  // namespace
 
-int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  PROMISE(std::freopen("/dev/null", "w", stdout) != nullptr);
-  return 0;
-}
+void PrepareTarget() {}
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string content = InputLines(data, size).Rest();
+void FuzzInput(const std::uint8_t* data, std::size_t size) {
+  const std::string content(InputLines(data, size).Rest());
   const std::string path = FuzzDirectory() + "file";
   WriteFile(path, content);
   CheckSignature(path, content);
   CheckSignKey(path, content);
   CheckVerifyKey(path, content);
   CheckCertificate(path);
-  return 0;
 }

@@ -115,11 +115,13 @@ void CheckCommandLine(const std::string& line) {
 
 }  // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void PrepareTarget() {}
+
+void FuzzInput(const std::uint8_t* data, std::size_t size) {
   InputLines lines(data, size);
-  const std::string name = lines.Next();
+  const std::string name(lines.Next());
   const std::wstring definitions = Widen(lines.Next());
-  const std::string rest = lines.Rest();
+  const std::string rest(lines.Rest());
   const Text text(Widen(rest));
   CheckWords(text);
   CheckValues(text, nullptr);
@@ -130,5 +132,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   CheckHex(name);
   CheckByteList(rest);
   CheckCommandLine(rest);
-  return 0;
 }

@@ -38,6 +38,9 @@ void CheckConversions(const std::string& text) {
     PROMISE(transform.ConvertCHARToUnicodeString(text.c_str()) == wide);
   }
   PROMISE(transform.ConvertUnicodeStringToUTF8(Widen(text)).size() < kConversionUnits);
+  PROMISE(transform.ConvertWCHARToANSIString(nullptr).empty());
+  PROMISE(transform.ConvertWCHARToCHAR(nullptr) == nullptr);
+  PROMISE(transform.ConvertCHARToUnicodeString(nullptr).empty());
   CCpZvString assigned(L"old");
   assigned = text;
   PROMISE(assigned.GetString() == wide);
@@ -122,15 +125,12 @@ void CheckPaths(const std::string& path) {
 
 }  // namespace
 
-int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  setenv("LC_ALL", "C.UTF-8", 1);
-  return 0;
-}
+void PrepareTarget() {}
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void FuzzInput(const std::uint8_t* data, std::size_t size) {
   InputLines lines(data, size);
-  const std::string delimiters = lines.Next();
-  const std::string text = lines.Rest();
+  const std::string delimiters(lines.Next());
+  const std::string text(lines.Rest());
   CheckConversions(text);
   for (const int count :
        {-1, 0, static_cast<int>(text.size() / 2), static_cast<int>(text.size())}) {
@@ -141,5 +141,4 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   CheckNumber(text);
   CheckBlanks(text);
   CheckPaths(text);
-  return 0;
 }

@@ -6,11 +6,11 @@
 // Promises: what is accepted has modes in their ranges, no blanks and at least one text; a search
 // that succeeds names a file of the directory that fits the texts, and one that fails names none.
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 #include "firmware/firmware_search.h"
 #include "support/fuzzing.h"
+#include "support/memory_files.h"
 
 namespace {
 
@@ -42,16 +42,14 @@ void CheckFound(const std::string& name, const STRUCT_CP_GET_USER_DEFINED_BIN_IN
 
 }  // namespace
 
-int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  PROMISE(std::freopen("/dev/null", "w", stdout) != nullptr);
+void PrepareTarget() {
   for (const char* const name : kNames) {
     WriteFile(FuzzDirectory() + name, "");
   }
-  return 0;
 }
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  WriteFile(FuzzDirectory() + "IspUserDefined.txt", InputLines(data, size).Rest());
+void FuzzInput(const std::uint8_t* data, std::size_t size) {
+  GivenMemoryFile(FuzzDirectory() + "IspUserDefined.txt", InputLines(data, size).Rest());
   STRUCT_CP_GET_USER_DEFINED_BIN_INFO info;
   const int accepted = GetUserDefinedInfoFromTxt(FuzzDirectory(), info);
   PROMISE(accepted == 0 || accepted == 1);
@@ -62,5 +60,5 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   PROMISE(found == 0 || accepted == 1);
   PROMISE((found == 0) == (name == "untouched"));
   if (found != 0) CheckFound(name, info);
-  return 0;
+  PROMISE(OpenMemoryStreams() == 0);
 }

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "support/fuzzing.h"
 
+#include <fcntl.h>
 #include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -35,40 +36,29 @@ class OwnDirectory {
 
 }  // namespace
 
+// Not through the stream: standard error goes nowhere while a target runs.
 void BrokenPromise(const char* promise, const char* file, int line) {
-  std::fprintf(stderr, "%s:%d: broken promise: %s\n", file, line, promise);
+  dprintf(STDERR_FILENO, "%s:%d: broken promise: %s\n", file, line, promise);
   std::abort();
 }
 
-InputLines::InputLines(const std::uint8_t* data, std::size_t size)
-    : m_rest(reinterpret_cast<const char*>(data), size) {}
-
-std::string InputLines::Next() {
+std::string_view InputLines::Next() {
   const std::size_t end = std::min(m_rest.find('\n'), m_rest.size());
-  const std::string line(m_rest.substr(0, end));
+  const std::string_view line = m_rest.substr(0, end);
   m_rest.remove_prefix(std::min(end + 1, m_rest.size()));
   return line;
 }
 
-std::string InputLines::Rest() {
-  const std::string rest(m_rest);
+std::string_view InputLines::Rest() {
+  const std::string_view rest = m_rest;
   m_rest = {};
   return rest;
 }
 
-std::vector<std::string> InputLines::AllWords() {
-  std::vector<std::string> words;
-  while (!m_rest.empty()) {
-    words.emplace_back(Next().c_str());
-  }
-  return words;
-}
-
 std::wstring Widen(std::string_view bytes) {
-  std::wstring wide;
-  for (const char byte : bytes) {
-    wide += static_cast<wchar_t>(static_cast<unsigned char>(byte));
-  }
+  std::wstring wide(bytes.size(), L'\0');
+  std::transform(bytes.begin(), bytes.end(), wide.begin(),
+                 [](char byte) { return static_cast<wchar_t>(static_cast<unsigned char>(byte)); });
   return wide;
 }
 
@@ -83,13 +73,21 @@ const std::string& FuzzDirectory() {
   return directory.Path();
 }
 
+// Plain calls: a stream of the library would cost more than all that is tried on the file.
 void WriteFile(const std::string& path, std::string_view content) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(content.data(), static_cast<std::streamsize>(content.size()));
-  PROMISE(file.good());
+  const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+  PROMISE(file >= 0);
+  PROMISE(write(file, content.data(), content.size()) == static_cast<ssize_t>(content.size()));
+  PROMISE(close(file) == 0);
 }
 
 std::string ReadFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return {};
+  struct stat look = {};
+  PROMISE(fstat(file, &look) == 0);
+  std::string content(static_cast<std::size_t>(look.st_size), '\0');
+  PROMISE(read(file, content.data(), content.size()) == look.st_size);
+  PROMISE(close(file) == 0);
+  return content;
 }

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// What the fuzz targets share: the way from an input to texts, a directory to put files in, and
-// checks that end the process, which is how a fuzzer learns of a broken promise.
+// What the fuzz targets share: the frame around every input, the way from an input to texts, a
+// directory to put files in, and checks that end the process, which is how a fuzzer learns of a
+// broken promise.
+//
+// The frame makes two promises for every target: an input leaves the locale's character type as it
+// was, and it leaves no descriptor open.
 #ifndef ZVISP_FUZZ_SUPPORT_FUZZING_H_
 #define ZVISP_FUZZ_SUPPORT_FUZZING_H_
 
@@ -9,28 +13,29 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
-// The entry points that libFuzzer calls.
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
+// Each target defines these two. The first runs once, before any input. Standard output and
+// standard error are streams that go nowhere then: a message costs its formatting and no more.
+void PrepareTarget();
+void FuzzInput(const std::uint8_t* data, std::size_t size);
 
 // Ends the process with the text of the promise when it is broken.
 #define PROMISE(condition) \
   ((condition) ? static_cast<void>(0) : BrokenPromise(#condition, __FILE__, __LINE__))
 [[noreturn]] void BrokenPromise(const char* promise, const char* file, int line);
 
-// Hands out the lines of an input one after the other, so that seeds can be written by hand.
+// Hands out the lines of an input one after the other, so that seeds can be written by hand. The
+// texts point into the input.
 class InputLines {
  public:
-  InputLines(const std::uint8_t* data, std::size_t size);
+  InputLines(const std::uint8_t* data, std::size_t size)
+      : m_rest(reinterpret_cast<const char*>(data), size) {}
 
-  // The next line without its line end; empty at the end of the input.
-  std::string Next();
+  bool AtEnd() const { return m_rest.empty(); }
+  // The next line without its newline; empty at the end of the input.
+  std::string_view Next();
   // Everything that no line has taken yet.
-  std::string Rest();
-  // All lines that are left, each up to its first zero, as the system would hand them to a program.
-  std::vector<std::string> AllWords();
+  std::string_view Rest();
 
  private:
   std::string_view m_rest;
