@@ -19,7 +19,7 @@ class Library {
 
   // False when memory did not suffice to start; the request must then be refused, because without
   // a context libcrypto falls back to the shared one.
-  bool IsReady() const { return m_ready; }
+  bool IsReady() const { return m_provider != nullptr; }
 
   // The context of the request under way; outside of one null, which is libcrypto's shared one.
   static OSSL_LIB_CTX* Context() { return s_context; }
@@ -27,7 +27,7 @@ class Library {
  private:
   static OSSL_LIB_CTX* s_context;
 
-  bool m_ready = false;
+  OSSL_PROVIDER* m_provider = nullptr;
 };
 
 }  // namespace signer
