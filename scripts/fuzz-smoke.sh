@@ -14,7 +14,7 @@ set -eu
 
 seconds=${1:-6}
 [ $# -gt 0 ] && shift
-targets=${*:-scanner command_line profile user_defined text_data text signer}
+targets=${*:-scanner command_line profile user_defined text_data text display signer verify}
 
 # Full paths, because a target may work in a directory of its own.
 root=$(cd "$(dirname "$0")/.." && pwd)
