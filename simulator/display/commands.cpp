@@ -15,12 +15,19 @@ bool IsProgramming(std::uint32_t action) {
          action == CP_ISPTOOL_ACTION_FACTORY_ISP;
 }
 
+Outcome TooLong(std::size_t length) {
+  return Refuse(Code::kIllegalRecord,
+                Format("a version of %zu characters is too long to record, at most %zu fit", length,
+                       kRecordedVersionLimit));
+}
+
 Outcome VersionInFlash(const Display& display, const STRUCT_READ_VERSION_FROM_FLASH_SETTING& where,
                        std::string& version) {
   if (where.ulVerAddr > kFlashBytes || where.ulTotalVerLen > kFlashBytes - where.ulVerAddr) {
     return Refuse(Code::kOutsideFlash,
                   Format("the version at 0x%X is outside its flash", where.ulVerAddr));
   }
+  if (where.ulTotalVerLen > kRecordedVersionLimit) return TooLong(where.ulTotalVerLen);
   BankBytes bytes(where.ulTotalVerLen);
   Outcome read = display.Read(where.ulVerAddr, where.ulTotalVerLen, bytes.data());
   version = Format("flash 0x%06X", where.ulVerAddr);
@@ -54,6 +61,14 @@ Outcome ChooseVersion(const Display& display, const Setting& setting, std::strin
   }
 }
 
+// Notes a step in the journal and stores the state that it leads to; `done` is what to say then.
+// Noted first, so that the journal of a killed run misses no change.
+Outcome Store(Display& display, const char* step, std::string done) {
+  if (Outcome noted = display.Note(step); !noted.Ok()) return noted;
+  if (Outcome saved = display.SaveState(); !saved.Ok()) return saved;
+  return Done(std::move(done));
+}
+
 }  // namespace
 
 Outcome ProgramFlash(Display& display, const Setting& setting, const Host& host) {
@@ -65,17 +80,20 @@ Outcome ProgramFlash(Display& display, const Setting& setting, const Host& host)
   if (Outcome planned = PlanProgramming(display, setting, plan); !planned.Ok()) return planned;
   std::size_t programmed = 0;
   Outcome done = RunPlan(display, plan, host, programmed);
-  if (done.Ok() && setting.enumActionType == CP_ISPTOOL_ACTION_ISP_DIFF) {
-    host.Say(Format("%zu of %zu banks rewritten", programmed, plan.size()));
+  if (!done.Ok()) return done;
+  if (setting.enumActionType == CP_ISPTOOL_ACTION_ISP_DIFF) {
+    return Done(Format("%zu of %zu banks rewritten", programmed, plan.size()));
   }
-  return done;
+  return Done(
+      Format("%zu %s programmed and verified", programmed, programmed == 1 ? "bank" : "banks"));
 }
 
 Outcome RecordVersion(Display& display, const Setting& setting, const Host&) {
   std::string version;
   if (Outcome chosen = ChooseVersion(display, setting, version); !chosen.Ok()) return chosen;
+  if (version.size() > kRecordedVersionLimit) return TooLong(version.size());
   display.GetState().recorded_version = version;
-  return display.SaveState();
+  return Store(display, "write version", "version recorded: " + version);
 }
 
 Outcome ReadVerifyKey(Display& display, unsigned char* key) {
@@ -83,23 +101,22 @@ Outcome ReadVerifyKey(Display& display, unsigned char* key) {
   std::string stored;
   if (Outcome read = display.ReadKey(kDeviceKeyCapacity, stored); !read.Ok()) return read;
   std::fill(std::copy(stored.begin(), stored.end(), key), key + kDeviceKeyCapacity, 0);
-  return Done();
+  return Done(Format("verify key of %zu bytes read", stored.size()));
 }
 
-Outcome SayUserInfo(Display& display, const Setting&, const Host& host) {
-  host.Say("User-defined information: " + display.GetIdentity().user_info);
-  return Done();
+Outcome SayUserInfo(Display& display, const Setting&, const Host&) {
+  return Done("User-defined information: " + display.GetIdentity().user_info);
 }
 
-Outcome ProgramEeprom(Display& display, const Setting& setting, const Host& host) {
+Outcome ProgramEeprom(Display& display, const Setting& setting, const Host&) {
   State& state = display.GetState();
   switch (setting.enumEdpIspMode) {
     case EDP_ISP_MODE_ISP:
       ++state.eeprom_version;
-      return display.SaveState();
+      return Store(display, "write eeprom",
+                   Format("e-DP EEPROM programmed, version %u", state.eeprom_version));
     case EDP_ISP_MODE_READ_VERSION:
-      host.Say(Format("e-DP EEPROM version: %u", state.eeprom_version));
-      return Done();
+      return Done(Format("e-DP EEPROM version: %u", state.eeprom_version));
     default:
       return Refuse(Code::kUnsupportedAction,
                     Format("there is no e-DP mode %u", setting.enumEdpIspMode));
@@ -108,18 +125,19 @@ Outcome ProgramEeprom(Display& display, const Setting& setting, const Host& host
 
 Outcome EnterIspMode(Display& display, const Setting&, const Host&) {
   display.GetState().isp_mode = true;
-  return display.SaveState();
+  return Store(display, "enter isp mode", "in ISP mode");
 }
 
 Outcome ResetMcu(Display& display, const Setting&, const Host&) {
   State& state = display.GetState();
   state.isp_mode = false;
   ++state.resets;
-  return display.SaveState();
+  return Store(display, "reset", "MCU reset");
 }
 
 Outcome ReadScalerType(Display& display, const Setting&, const Host&) {
-  return {display.GetIdentity().scaler_type, ""};
+  const std::uint32_t type = display.GetIdentity().scaler_type;
+  return {type, "", Format("scaler type %u", type)};
 }
 
 }  // namespace simulator

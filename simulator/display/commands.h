@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What each call of the plug-in does on an opened display. The text of a refusal does not name the
+// What each call of the plug-in does on an opened display. The text of an outcome does not name the
 // display; the caller adds that.
 #ifndef ZVISP_SIMULATOR_DISPLAY_COMMANDS_H_
 #define ZVISP_SIMULATOR_DISPLAY_COMMANDS_H_
@@ -14,17 +14,18 @@ namespace simulator {
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 using Command = Outcome (*)(Display&, const Setting&, const Host&);
 
-// Programs the firmware map; actions 4 to 7 and 17, any other is refused. With action 6 says how
-// many banks were rewritten.
+// Programs the firmware map; actions 4 to 7 and 17, any other is refused.
 Outcome ProgramFlash(Display& display, const Setting& setting, const Host& host);
 
 // Stores a version in the display's state, chosen by enumVersionLocationType: 3 the bytes of the
 // version text in flash, in hexadecimal; 4 and 6 the CRC-32 of the firmware map's banks; any other
-// the version that the display reports of itself.
+// the version that the display reports of itself. Refuses one that would be longer than
+// kRecordedVersionLimit.
 Outcome RecordVersion(Display& display, const Setting& setting, const Host& host);
 
 // Writes the range of stDumpFlash to its file, and reports the progress. The file is only made
-// when the range lies inside the flash.
+// when the range lies inside the flash. A file of a simulated display, by whatever name, is refused
+// and stays as it is.
 Outcome DumpToFile(Display& display, const Setting& setting, const Host& host);
 
 // Copies the verify key stored in the display into `key`, kDeviceKeyCapacity bytes, and fills the

@@ -27,7 +27,7 @@ BankCount ParseLine(const std::string& line, std::uint32_t bank) {
 }  // namespace
 
 bool Counters::Open(const std::string& path) {
-  m_file = OpenFile(path, O_RDWR | O_CREAT);
+  m_file = OpenWithoutLink(path, O_RDWR | O_CREAT);
   std::string text(kFileBytes, ' ');
   if (!m_file.IsOpen() || ReadAt(m_file.Get(), text.data(), text.size(), 0) < 0) return false;
 

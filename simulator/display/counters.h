@@ -11,8 +11,8 @@
 #include <cstdint>
 #include <string>
 
-#include "files/file_io.h"
 #include "display/flash.h"
+#include "files/file_io.h"
 
 namespace simulator {
 
@@ -23,8 +23,8 @@ struct BankCount {
 
 class Counters {
  public:
-  // Opens the file or makes it. A line that cannot be read counts from 0. False when the file
-  // fails.
+  // Opens the file or makes it, never through a symbolic link. A line that cannot be read counts
+  // from 0. False when the file fails.
   [[nodiscard]] bool Open(const std::string& path);
 
   // Count one more erase or write of a bank; false when the file fails.

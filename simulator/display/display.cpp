@@ -14,7 +14,14 @@ namespace {
 
 constexpr std::size_t kSettingsLimit = 65536;
 
+// Every kind of file that a display has.
+constexpr const char* kKinds[] = {"flash",    "journal", "counters", "state",
+                                  "identity", "key",     "faults"};
+
 Outcome StorageFailure(const std::string& path) {
+  if (errno == ELOOP) {
+    return Refuse(Code::kStorage, path + " is a symbolic link, which a display does not follow");
+  }
   return Refuse(Code::kStorage, Format("%s: %s", path.c_str(), std::strerror(errno)));
 }
 
@@ -28,7 +35,7 @@ Outcome Display::Open(unsigned comm_id, std::unique_ptr<Display>& display) {
   if (!MakeDirectories(directory)) return StorageFailure(directory);
 
   const std::string path = DisplayFile(directory, comm_id, "flash");
-  FileHandle flash = OpenFile(path, O_RDWR | O_CREAT);
+  FileHandle flash = OpenWithoutLink(path, O_RDWR | O_CREAT);
   if (!flash.IsOpen()) return StorageFailure(path);
   if (flock(flash.Get(), LOCK_EX | LOCK_NB) != 0) {
     return errno == EWOULDBLOCK ? Refuse(Code::kBusy, "in use by another run")
@@ -67,11 +74,11 @@ Outcome Display::VerifyBank(std::uint32_t bank, const BankBytes& bytes) {
   BankBytes stored;
   if (!m_flash.ReadBank(bank, stored)) return StorageFailure(PathOf("flash"));
   const bool same = stored == bytes && !m_faults.VerifyFails(bank);
-  if (Outcome noted = Note(Format("verify bank=%u %s", bank, same ? "ok" : "mismatch"));
-      !noted.Ok()) {
-    return noted;
-  }
-  if (same) return Done();
+  const bool lie = !same && m_faults.VerifyLies(bank);
+  // The journal tells the truth even when the display does not.
+  const char* const verdict = same ? "ok" : (lie ? "lie" : "mismatch");
+  if (Outcome noted = Note(Format("verify bank=%u %s", bank, verdict)); !noted.Ok()) return noted;
+  if (same || lie) return Done();
   return Refuse(Code::kVerifyMismatch, Format("bank %u differs from what was written", bank));
 }
 
@@ -92,21 +99,49 @@ Outcome Display::SaveState() const {
   return ReplaceFile(path, path + ".new", FormatState(m_state)) ? Done() : StorageFailure(path);
 }
 
+bool Display::IsFileOfADisplay(const struct stat& look) const {
+  for (unsigned comm_id = 0; comm_id <= kMaxCommId; ++comm_id) {
+    for (const char* const kind : kKinds) {
+      if (IsFileAt(DisplayFile(m_directory, comm_id, kind), look)) return true;
+    }
+  }
+  return false;
+}
+
 std::string Display::PathOf(const char* kind) const {
   return DisplayFile(m_directory, m_comm_id, kind);
 }
 
 Outcome Display::LoadFiles() {
-  std::string state;
-  if (Outcome read = ReadSettingsFile("state", state); !read.Ok()) return read;
-  m_state = ParseState(state);
-  ++m_state.calls;
-
-  m_journal = OpenFile(PathOf("journal"), O_WRONLY | O_CREAT | O_APPEND);
-  if (!m_journal.IsOpen()) return StorageFailure(PathOf("journal"));
+  LoadState();
+  if (Outcome opened = OpenJournal(); !opened.Ok()) return opened;
   if (!m_counters.Open(PathOf("counters"))) return StorageFailure(PathOf("counters"));
   if (Outcome saved = SaveState(); !saved.Ok()) return saved;
   return LoadSettings();
+}
+
+// A state that cannot be read must not lock an operator out of the display.
+void Display::LoadState() {
+  std::string text;
+  if (ReadSmallFile(PathOf("state"), kSettingsLimit, text) == ReadResult::kFailed) {
+    text.clear();
+    m_warning = PathOf("state") + " cannot be read, the display counts as new";
+  }
+  m_state = ParseState(text);
+  ++m_state.calls;
+}
+
+// A line that a full disk cut short is ended, so that the next one stays whole.
+Outcome Display::OpenJournal() {
+  m_journal = OpenWithoutLink(PathOf("journal"), O_RDWR | O_CREAT | O_APPEND);
+  struct stat look = {};
+  if (!m_journal.IsOpen() || !LookAt(m_journal, look)) return StorageFailure(PathOf("journal"));
+  char last = '\n';
+  if (look.st_size > 0 && ReadAt(m_journal.Get(), &last, 1, look.st_size - 1) < 0) {
+    return StorageFailure(PathOf("journal"));
+  }
+  return last == '\n' || WriteText(m_journal.Get(), "\n") ? Done()
+                                                          : StorageFailure(PathOf("journal"));
 }
 
 Outcome Display::LoadSettings() {

@@ -10,11 +10,11 @@
 
 #include "display/counters.h"
 #include "display/faults.h"
-#include "files/file_io.h"
 #include "display/flash.h"
 #include "display/identity.h"
 #include "display/outcome.h"
 #include "display/state.h"
+#include "files/file_look.h"
 
 namespace simulator {
 
@@ -26,8 +26,13 @@ class Display {
  public:
   // Opens the display of a communication number, making its directory and files at the first use,
   // and counts a call. Refuses a number above kMaxCommId and, without waiting, a display in use.
-  // `display` is set only on success.
+  // `display` is set only on success. The files that the display writes are never opened through
+  // a symbolic link, so that a planted one leads to no other file.
   static Outcome Open(unsigned comm_id, std::unique_ptr<Display>& display);
+
+  // What an operator should know although the call continues: that the state could not be read and
+  // the display counts as new. Empty otherwise.
+  const std::string& Warning() const { return m_warning; }
 
   // Adds a line to the journal.
   Outcome Note(const std::string& line);
@@ -45,6 +50,9 @@ class Display {
 
   Outcome SaveState() const;
 
+  // Whether a file is one of this display or of those next to it.
+  bool IsFileOfADisplay(const struct stat& look) const;
+
   const Faults& GetFaults() const { return m_faults; }
   const Identity& GetIdentity() const { return m_identity; }
   State& GetState() { return m_state; }
@@ -55,6 +63,8 @@ class Display {
 
   std::string PathOf(const char* kind) const;
   Outcome LoadFiles();
+  void LoadState();
+  Outcome OpenJournal();
   Outcome LoadSettings();
   Outcome ReadSettingsFile(const char* kind, std::string& text) const;
 
@@ -64,6 +74,7 @@ class Display {
   FileHandle m_journal;
   Counters m_counters;
   State m_state;
+  std::string m_warning;
   Identity m_identity;
   Faults m_faults;
 };

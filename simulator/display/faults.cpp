@@ -28,6 +28,7 @@ constexpr KindRow kKinds[] = {
   {"fail",      FaultKind::kFail,     " call bank at code "},
   {"no-answer", FaultKind::kNoAnswer, " call bank at ms "},
   {"flip",      FaultKind::kFlip,     " call bank bit "},
+  {"lie",       FaultKind::kLie,      " call bank bit "},
   {"verify",    FaultKind::kVerify,   " call bank "},
   {"slow",      FaultKind::kSlow,     " call bank ms "},
   {"hang",      FaultKind::kHang,     " call bank at "},
@@ -115,13 +116,16 @@ void Wait(std::uint32_t ms) {
 }
 
 // What happens when a fault strikes. The faults of the data itself are asked for elsewhere.
-Outcome Happen(const Fault& fault) {
+Outcome Happen(const Fault& fault, Step step, std::uint32_t bank) {
   switch (fault.kind) {
     case FaultKind::kFail:
       return {fault.code, Format("injected failure 0x%X", fault.code)};
     case FaultKind::kNoAnswer:
       Wait(fault.ms.value_or(0));
-      return Refuse(Code::kNoAnswer, "no answer");
+      // When the call begins nothing is written yet, and an operator may count on that.
+      return step == Step::kCall
+                 ? Refuse(Code::kNoAnswer, "no answer")
+                 : Refuse(Code::kNoAnswerMidway, Format("no answer any more at bank %u", bank));
     case FaultKind::kSlow:
       Wait(fault.ms.value_or(kDefaultSlowMs));
       return Done();
@@ -130,6 +134,7 @@ Outcome Happen(const Fault& fault) {
     case FaultKind::kCrash:
       std::abort();
     case FaultKind::kFlip:
+    case FaultKind::kLie:
     case FaultKind::kVerify:
       break;
   }
@@ -147,19 +152,24 @@ Faults::Faults(const std::vector<Fault>& faults, std::uint32_t call) {
 Outcome Faults::Strike(Step step, std::uint32_t bank) const {
   for (const Fault& fault : m_faults) {
     if (!StrikesAtStep(fault, step) || fault.bank.value_or(bank) != bank) continue;
-    Outcome outcome = Happen(fault);
+    Outcome outcome = Happen(fault, step, bank);
     if (!outcome.Ok()) return outcome;
   }
   return Done();
 }
 
 std::optional<std::uint32_t> Faults::FlippedBit(std::uint32_t bank) const {
-  const Fault* const fault = Find(FaultKind::kFlip, bank);
+  const Fault* const lie = Find(FaultKind::kLie, bank);
+  const Fault* const fault = lie != nullptr ? lie : Find(FaultKind::kFlip, bank);
   return fault == nullptr ? std::nullopt : std::optional<std::uint32_t>(fault->bit);
 }
 
 bool Faults::VerifyFails(std::uint32_t bank) const {
   return Find(FaultKind::kVerify, bank) != nullptr;
+}
+
+bool Faults::VerifyLies(std::uint32_t bank) const {
+  return Find(FaultKind::kLie, bank) != nullptr;
 }
 
 const Fault* Faults::Find(FaultKind kind, std::uint32_t bank) const {

@@ -5,12 +5,14 @@
 // The file has one fault a line: its kind, then "key=value" words.
 //
 //   fail       [call=N] [bank=N] [at=STEP] [code=N]  the call ends with the code (0x5A2E)
-//   no-answer  [call=N] [bank=N] [at=STEP] [ms=N]    after ms (0) the call ends with 0x5A29
+//   no-answer  [call=N] [bank=N] [at=STEP] [ms=N]    after ms (0) the call ends with 0x5A29 when it
+//                                                    begins, with 0x5A30 at a bank
 //   flip       [call=N] [bank=N] [bit=N]             bit N (0) of the bank turns over when written
-//   verify     [call=N] [bank=N]                     the bank compares as different after writing
-//   slow       [call=N] [bank=N] [ms=N]              each bank takes ms (10) longer
-//   hang       [call=N] [bank=N] [at=STEP]           the call never returns
-//   crash      [call=N] [bank=N] [at=STEP]           the process aborts
+//   lie        [call=N] [bank=N] [bit=N]             the same, and the comparison passes all the
+//   same verify     [call=N] [bank=N]                     the bank compares as different after
+//   writing slow       [call=N] [bank=N] [ms=N]              each bank takes ms (10) longer hang
+//   [call=N] [bank=N] [at=STEP]           the call never returns crash      [call=N] [bank=N]
+//   [at=STEP]           the process aborts
 //
 // call: only in the display's N-th call, counted as in its state file. bank: only at bank N.
 // at: just before that step of a bank: erase, write, verify or read (of a dump). A fault with
@@ -28,7 +30,7 @@
 
 namespace simulator {
 
-enum class FaultKind { kFail, kNoAnswer, kFlip, kVerify, kSlow, kHang, kCrash };
+enum class FaultKind { kFail, kNoAnswer, kFlip, kLie, kVerify, kSlow, kHang, kCrash };
 
 // The points of a call where a fault can strike.
 enum class Step { kCall, kErase, kWrite, kVerify, kRead };
@@ -57,6 +59,8 @@ class Faults {
   // The bit that turns over when the bank is written.
   std::optional<std::uint32_t> FlippedBit(std::uint32_t bank) const;
   bool VerifyFails(std::uint32_t bank) const;
+  // Whether the display reports that the bank is right, whatever it holds.
+  bool VerifyLies(std::uint32_t bank) const;
 
  private:
   const Fault* Find(FaultKind kind, std::uint32_t bank) const;

@@ -2,40 +2,37 @@
 #include "display/firmware_file.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
 
 namespace simulator {
-namespace {
 
-Outcome Unreadable(const std::string& path, const char* why) {
-  return Refuse(Code::kFileUnreadable, "cannot read " + path + ": " + why);
+Outcome FirmwareFile::Open(const std::string& path) {
+  m_path = path;
+  m_file = OpenFile(path, O_RDONLY);
+  if (!m_file.IsOpen() || !LookAt(m_file, m_look)) return Unreadable(std::strerror(errno));
+  return IsOrdinaryFile(m_look) ? Done() : Unreadable("not an ordinary file");
 }
 
-}  // namespace
-
-Outcome FirmwareFiles::ReadBank(const std::string& path, std::uint32_t file_bank, BankBytes& out) {
-  if (Outcome opened = OpenPath(path); !opened.Ok()) return opened;
+Outcome FirmwareFile::ReadBank(std::uint32_t file_bank, BankBytes& out) const {
   out.assign(kBankBytes, kErased);
   const ssize_t got =
       ReadAt(m_file.Get(), out.data(), out.size(), static_cast<off_t>(file_bank) * kBankBytes);
-  if (got < 0) return Unreadable(path, std::strerror(errno));
+  if (got < 0) return Unreadable(std::strerror(errno));
   if (got > 0) return Done();
-  return Refuse(Code::kFileTooShort, path + Format(" ends before its bank %u", file_bank));
+  return Refuse(Code::kFileTooShort, m_path + Format(" ends before its bank %u", file_bank));
 }
 
-Outcome FirmwareFiles::OpenPath(const std::string& path) {
-  if (m_file.IsOpen() && m_path == path) return Done();
-  FileHandle file = OpenFile(path, O_RDONLY);
-  if (!file.IsOpen()) return Unreadable(path, std::strerror(errno));
-  struct stat status = {};
-  if (fstat(file.Get(), &status) != 0) return Unreadable(path, std::strerror(errno));
-  if (!S_ISREG(status.st_mode)) return Unreadable(path, "not an ordinary file");
-  m_file = std::move(file);
-  m_path = path;
-  return Done();
+Outcome FirmwareFile::CheckUnchanged() const {
+  struct stat now = {};
+  if (!LookAt(m_file, now)) return Unreadable(std::strerror(errno));
+  if (IsUnchanged(m_look, now)) return Done();
+  return Refuse(Code::kFileChanged, m_path + " changed while it was read, nothing was programmed");
+}
+
+Outcome FirmwareFile::Unreadable(const char* why) const {
+  return Refuse(Code::kFileUnreadable, "cannot read " + m_path + ": " + why);
 }
 
 }  // namespace simulator

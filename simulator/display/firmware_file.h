@@ -7,26 +7,30 @@
 #include <cstdint>
 #include <string>
 
-#include "files/file_io.h"
 #include "display/flash.h"
 #include "display/outcome.h"
+#include "files/file_look.h"
 
 namespace simulator {
 
-// Reads banks of firmware files, keeping the last file open because a map names the same file for
-// many banks in a row.
-class FirmwareFiles {
+// A firmware file, opened once for all banks that are read of it.
+class FirmwareFile {
  public:
+  // Refuses a file that is missing, unreadable or not an ordinary file.
+  Outcome Open(const std::string& path);
   // Reads the bank with the given index of the file, the rest of a last, shorter bank as 0xFF.
-  // Refuses a file that is missing, unreadable or no ordinary file, and one that ends before the
-  // bank begins.
-  Outcome ReadBank(const std::string& path, std::uint32_t file_bank, BankBytes& out);
+  // Refuses when the file ends before the bank begins.
+  Outcome ReadBank(std::uint32_t file_bank, BankBytes& out) const;
+  // Refuses when the file is not any more what it was when it was opened: the banks that were read
+  // may then be of two versions.
+  Outcome CheckUnchanged() const;
 
  private:
-  Outcome OpenPath(const std::string& path);
+  Outcome Unreadable(const char* why) const;
 
   std::string m_path;
   FileHandle m_file;
+  struct stat m_look = {};
 };
 
 }  // namespace simulator

@@ -7,16 +7,28 @@
 
 namespace simulator {
 
-void Host::Progress(std::size_t done, std::size_t total) const {
-  if (progress == nullptr) return;
-  progress(total == 0 ? 100 : static_cast<int>(100 * done / total));
-}
-
 void Host::Say(const std::string& line) const {
-  std::printf("%s\n", line.c_str());
-  if (message == nullptr) return;
+  if (message == nullptr) {
+    std::printf("%s\n", line.c_str());
+    return;
+  }
   std::wstring text = ToWide(line);
   message(text.data());
+}
+
+Progress::Progress(const Host& host, std::size_t total) : m_host(host), m_total(total) {
+  Report(0);
+}
+
+void Progress::Advance(std::size_t parts) {
+  m_done += parts;
+  Report(m_total == 0 ? 100 : static_cast<int>(100 * m_done / m_total));
+}
+
+void Progress::Report(int percent) {
+  if (m_host.progress == nullptr || percent <= m_reported) return;
+  m_reported = percent;
+  m_host.progress(percent);
 }
 
 }  // namespace simulator

@@ -16,11 +16,26 @@ struct Host {
   ZvReturnProgress progress = nullptr;
   ZvShowMessage message = nullptr;
 
-  // Reports `done` of `total` parts, in percent.
-  void Progress(std::size_t done, std::size_t total) const;
-  // Prints a line on standard output, and shows the same text to the host. `line` is UTF-8 without
-  // a line end.
+  // Shows a line to the host, or prints it on standard output when the host takes no messages.
+  // `line` is UTF-8 without a newline.
   void Say(const std::string& line) const;
+};
+
+// The progress of one call, reported in percent: 0 when it begins, then each percentage that is
+// higher than the one before. The host must outlive it.
+class Progress {
+ public:
+  Progress(const Host& host, std::size_t total);
+  // So many parts of the total more are done.
+  void Advance(std::size_t parts);
+
+ private:
+  void Report(int percent);
+
+  const Host& m_host;
+  std::size_t m_total;
+  std::size_t m_done = 0;
+  int m_reported = -1;
 };
 
 }  // namespace simulator

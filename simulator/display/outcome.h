@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace simulator {
 
@@ -21,24 +22,30 @@ enum class Code : std::uint32_t {
   kBusy = 0x5A26,               // another run is using the display
   kStorage = 0x5A27,            // the files that hold the display cannot be used
   kVerifyMismatch = 0x5A28,     // a bank read back differs from what was written
-  kNoAnswer = 0x5A29,           // injected: the display does not answer
+  kNoAnswer = 0x5A29,           // injected: no answer when the call begins; nothing is written
   kNoKey = 0x5A2A,              // the display holds no verify key
   kDumpFile = 0x5A2B,           // the dump file cannot be written
   kNothingToProgram = 0x5A2C,   // the firmware map is empty
   kSettings = 0x5A2D,           // the identity or faults file has a line that cannot be read
   kInjectedFailure = 0x5A2E,    // injected: a failure without a code of its own
   kOutOfMemory = 0x5A2F,        // memory is exhausted
+  kNoAnswerMidway = 0x5A30,     // injected: no answer at a bank, which may be half written
+  kFileChanged = 0x5A31,        // a firmware file changed while it was read
 };
 
 struct [[nodiscard]] Outcome {
   std::uint32_t code = 0;  // 0 for success, or the scaler type
-  std::string why;         // why a call was refused, without line end; empty for success
+  std::string why = {};    // why a call was refused, without newline; empty for success
+  std::string done = {};   // what a call that worked did, without newline; empty: nothing to say
 
   bool Ok() const { return why.empty(); }
 };
 
 inline Outcome Done() {
   return {};
+}
+inline Outcome Done(std::string done) {
+  return {0, {}, std::move(done)};
 }
 inline Outcome Refuse(Code code, std::string why) {
   return {static_cast<std::uint32_t>(code), std::move(why)};

@@ -36,10 +36,16 @@ std::string Describe(const char* name, std::uint32_t number, const Setting& sett
          DescribeAction(setting);
 }
 
+// How a line to the operator begins; one on success says what kind of display it was.
+std::string NameOf(const Setting& setting, bool simulated) {
+  return Format("Display %02u%s: ", setting.enumCommID, simulated ? " (simulated)" : "");
+}
+
 template <typename Work>
-Outcome WorkOnDisplay(const char* name, const Setting& setting, Work work) {
+Outcome WorkOnDisplay(const char* name, const Setting& setting, const Host& host, Work work) {
   std::unique_ptr<Display> display;
   if (Outcome opened = Display::Open(setting.enumCommID, display); !opened.Ok()) return opened;
+  if (!display->Warning().empty()) host.Say(NameOf(setting, false) + display->Warning());
   const std::uint32_t number = display->GetState().calls;
   if (Outcome noted = display->Note(Describe(name, number, setting)); !noted.Ok()) return noted;
 
@@ -56,10 +62,9 @@ template <typename Work>
 int Call(const char* name, const Setting* setting, const Host& host, Work work) noexcept {
   try {
     if (setting == nullptr) return static_cast<int>(Code::kIllegalRecord);
-    const Outcome outcome = WorkOnDisplay(name, *setting, work);
-    if (!outcome.Ok()) {
-      host.Say(Format("Display %02u: ", setting->enumCommID) + outcome.why);
-    }
+    const Outcome outcome = WorkOnDisplay(name, *setting, host, work);
+    if (!outcome.Ok()) host.Say(NameOf(*setting, false) + outcome.why);
+    if (!outcome.done.empty()) host.Say(NameOf(*setting, true) + outcome.done);
     return static_cast<int>(outcome.code);
   } catch (const std::bad_alloc&) {
     std::puts("Display: out of memory");

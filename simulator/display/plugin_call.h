@@ -10,8 +10,8 @@
 
 namespace simulator {
 
-// Makes a call on the display that `setting` names. A refusal prints "Display NN: why". Returns
-// the code for the tool.
+// Makes a call on the display that `setting` names. Says "Display NN: why" for a refusal and
+// "Display NN (simulated): what" for a call that worked. Returns the code for the tool.
 int CallDisplay(const char* name, const Setting* setting, const Host& host,
                 Command command) noexcept;
 

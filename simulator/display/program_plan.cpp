@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <string>
 
 #include "display/firmware_file.h"
 #include "display/wide_text.h"
@@ -72,19 +73,40 @@ Outcome AddUserFlag(const Display& display, const STRUCT_FLAG_SETTING& flag, Pro
   return Done();
 }
 
+Outcome ReadPaths(const STRUCT_C_STYLE_MAP_FW& map, std::vector<std::string>& paths) {
+  for (std::uint32_t i = 0; i < map.ulCount; ++i) {
+    const auto path = ToUtf8(map.stBank[i].wszPath, kPathCapacity);
+    if (!path) return Refuse(Code::kIllegalRecord, Format("the path of entry %u is no text", i));
+    paths.push_back(*path);
+  }
+  return Done();
+}
+
+// Reads what the map takes from the file of its entry `first`, also further on in the map, so that
+// all of it is of one version of the file.
+Outcome ReadFile(const STRUCT_C_STYLE_MAP_FW& map, const std::vector<std::string>& paths,
+                 std::uint32_t first, ProgramPlan& plan) {
+  FirmwareFile file;
+  if (Outcome opened = file.Open(paths[first]); !opened.Ok()) return opened;
+  for (std::uint32_t i = first; i < map.ulCount; ++i) {
+    if (paths[i] != paths[first]) continue;
+    Outcome read = file.ReadBank(map.stBank[i].ulFileBank, plan[i].bytes);
+    if (!read.Ok()) return read;
+  }
+  return file.CheckUnchanged();
+}
+
 }  // namespace
 
 Outcome PlanFirmware(const STRUCT_C_STYLE_MAP_FW& map, ProgramPlan& plan) {
   if (Outcome checked = CheckTargets(map); !checked.Ok()) return checked;
-  FirmwareFiles files;
-  plan.resize(map.ulCount);
+  std::vector<std::string> paths;
+  if (Outcome read = ReadPaths(map, paths); !read.Ok()) return read;
+  plan = ProgramPlan(map.ulCount);
   for (std::uint32_t i = 0; i < map.ulCount; ++i) {
-    const STRUCT_C_STYLE_FW_BANK_SETTING& source = map.stBank[i];
-    const auto path = ToUtf8(source.wszPath, kPathCapacity);
-    if (!path) return Refuse(Code::kIllegalRecord, Format("the path of entry %u is no text", i));
     plan[i].bank = map.ulTargetBank[i];
-    Outcome read = files.ReadBank(*path, source.ulFileBank, plan[i].bytes);
-    if (!read.Ok()) return read;
+    if (!plan[i].bytes.empty()) continue;
+    if (Outcome read = ReadFile(map, paths, i, plan); !read.Ok()) return read;
   }
   return Done();
 }

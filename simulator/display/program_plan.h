@@ -28,7 +28,7 @@ using ProgramPlan = std::vector<BankJob>;
 // Reads and checks the firmware map alone: the banks of the files, the last bank of a file padded
 // with 0xFF. Refuses, in this order: more entries than the map holds, an empty map, a target
 // outside the flash, targets that do not ascend, a path that is not ended inside its field, and a
-// file that is unreadable or too short.
+// file that is unreadable, too short, or changes while it is read. Each file is opened once.
 Outcome PlanFirmware(const STRUCT_C_STYLE_MAP_FW& map, ProgramPlan& plan);
 
 // PlanFirmware for the record's action, and what the action adds: with 5 the user flag, laid over

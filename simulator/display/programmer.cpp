@@ -4,10 +4,17 @@
 namespace simulator {
 namespace {
 
-Outcome ProgramBank(Display& display, const BankJob& job) {
+// The parts of a bank that the progress counts: erased, written, verified.
+constexpr std::size_t kPartsOfABank = 3;
+
+Outcome ProgramBank(Display& display, const BankJob& job, Progress& progress) {
   if (Outcome erased = display.EraseBank(job.bank); !erased.Ok()) return erased;
+  progress.Advance(1);
   if (Outcome written = display.WriteBank(job.bank, job.bytes); !written.Ok()) return written;
-  return display.VerifyBank(job.bank, job.bytes);
+  progress.Advance(1);
+  if (Outcome verified = display.VerifyBank(job.bank, job.bytes); !verified.Ok()) return verified;
+  progress.Advance(1);
+  return Done();
 }
 
 Outcome MayBeSkipped(const Display& display, const BankJob& job, bool& skip) {
@@ -19,11 +26,14 @@ Outcome MayBeSkipped(const Display& display, const BankJob& job, bool& skip) {
   return read;
 }
 
-Outcome RunJob(Display& display, const BankJob& job, std::size_t& programmed) {
+Outcome RunJob(Display& display, const BankJob& job, Progress& progress, std::size_t& programmed) {
   bool skip = false;
   if (Outcome read = MayBeSkipped(display, job, skip); !read.Ok()) return read;
-  if (skip) return display.Note(Format("skip bank=%u", job.bank));
-  if (Outcome done = ProgramBank(display, job); !done.Ok()) return done;
+  if (skip) {
+    progress.Advance(kPartsOfABank);
+    return display.Note(Format("skip bank=%u", job.bank));
+  }
+  if (Outcome done = ProgramBank(display, job, progress); !done.Ok()) return done;
   ++programmed;
   return Done();
 }
@@ -33,10 +43,9 @@ Outcome RunJob(Display& display, const BankJob& job, std::size_t& programmed) {
 Outcome RunPlan(Display& display, const ProgramPlan& plan, const Host& host,
                 std::size_t& programmed) {
   programmed = 0;
-  host.Progress(0, plan.size());
-  for (std::size_t i = 0; i < plan.size(); ++i) {
-    if (Outcome done = RunJob(display, plan[i], programmed); !done.Ok()) return done;
-    host.Progress(i + 1, plan.size());
+  Progress progress(host, kPartsOfABank * plan.size());
+  for (const BankJob& job : plan) {
+    if (Outcome done = RunJob(display, job, progress, programmed); !done.Ok()) return done;
   }
   return Done();
 }

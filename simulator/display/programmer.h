@@ -12,8 +12,9 @@
 
 namespace simulator {
 
-// Erases, writes and verifies each bank of the plan before it goes on to the next, so that a run
-// that ends early leaves the later banks as they were. Reports the progress after each bank.
+// Erases, writes and verifies each bank of the plan before it continues with the next, so that a
+// run that ends early leaves the later banks as they were. Reports the progress after each of the
+// three.
 // `programmed` is how many banks were programmed and not skipped. Stops at the first refusal.
 Outcome RunPlan(Display& display, const ProgramPlan& plan, const Host& host,
                 std::size_t& programmed);

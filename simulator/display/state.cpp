@@ -21,7 +21,9 @@ State ParseState(std::string_view text) {
     if (pair->key == "resets") state.resets = ParseNumber(pair->value).value_or(0);
     if (pair->key == "eeprom_version") state.eeprom_version = ParseNumber(pair->value).value_or(0);
     if (pair->key == "mode") state.isp_mode = pair->value == "isp";
-    if (pair->key == "recorded_version") state.recorded_version = pair->value;
+    if (pair->key == "recorded_version" && pair->value.size() <= kRecordedVersionLimit) {
+      state.recorded_version = pair->value;
+    }
   }
   return state;
 }

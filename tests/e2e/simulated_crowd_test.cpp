@@ -61,7 +61,10 @@ TEST_F(SimulatedCrowd, AThousandRunsAtOnceOnDisplaysOfTheirOwnMixNothingUp) {
     runs.emplace_back(LineOf(run));
   for (int run = 0; run < kRuns; ++run) {
     const RunResult result = runs[static_cast<std::size_t>(run)].Wait();
-    EXPECT_EQ(result.out, kBanner + std::string(kSuccess)) << "run " << run;
+    const std::string number = std::to_string(CommOf(run));
+    EXPECT_EQ(result.out, kBanner + "Display "s + (number.size() < 2 ? "0" : "") + number +
+                              " (simulated): 1 bank programmed and verified\n" + kSuccess)
+        << "run " << run;
     EXPECT_EQ(result.err, "") << "run " << run;
     EXPECT_EQ(result.status, 0) << "run " << run;
     ExpectOwnFirmware(run);
@@ -103,9 +106,10 @@ TEST_F(SimulatedCrowd, OfManyRunsOnOneDisplayEachProgramsAloneOrIsToldThatItIsIn
     const RunResult result = run.Wait();
     const bool success = result.status == 0;
     programmed += success ? 1 : 0;
-    EXPECT_EQ(result.out,
-              success ? kBanner + std::string(kSuccess)
-                      : kBanner + "Display 03: in use by another run\n"s + FailLine("0x5A26"));
+    EXPECT_EQ(
+        result.out,
+        success ? kBanner + "Display 03 (simulated): 2 banks programmed and verified\n"s + kSuccess
+                : kBanner + "Display 03: in use by another run\n"s + FailLine("0x5A26"));
   }
   ASSERT_GE(programmed, 1);
   const std::string times = std::to_string(programmed);

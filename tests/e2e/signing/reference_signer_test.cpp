@@ -11,6 +11,8 @@ namespace {
 constexpr const char* kNotGenuine =
     "Reference signer: the signature does not belong to this firmware and this key\n";
 constexpr const char* kReadKey = "Get Key From Flash ...\n";
+constexpr const char* kKeyRead = "Display 01 (simulated): verify key of 113 bytes read\n";
+constexpr const char* kProgrammed = "Display 01 (simulated): 2 banks programmed and verified\n";
 
 class ReferenceSigner : public testing::Test {
  protected:
@@ -64,7 +66,8 @@ class ReferenceSigner : public testing::Test {
 
 TEST_F(ReferenceSigner, ProgramsWhatAnExternalKeySigned) {
   ExpectSuccess({"--sign", "--sw", "--dsmode", "3", "--fw", "fw.bin", "--skfile", "sign.key"});
-  ExpectSuccess(Isp({"3", "--fw", "fw.bin", "--signfile", "fw.bin.sig", "--vkfile", "sign.pub"}));
+  ExpectSuccess(Isp({"3", "--fw", "fw.bin", "--signfile", "fw.bin.sig", "--vkfile", "sign.pub"}),
+                kProgrammed);
   EXPECT_TRUE(HoldsTheFirmware());
 }
 
@@ -97,7 +100,7 @@ TEST_F(ReferenceSigner, ProgramsUnderASubCertificateOfTheVerifyKeyOnly) {
   ExpectNotVerified(Isp(foreign),
                     "Reference signer: the sub-certificate is not signed by the verify key\n");
   EXPECT_FALSE(IsProgrammed());
-  ExpectSuccess(Isp(genuine));
+  ExpectSuccess(Isp(genuine), kProgrammed);
   EXPECT_TRUE(HoldsTheFirmware());
 }
 
@@ -105,7 +108,8 @@ TEST_F(ReferenceSigner, ProgramsWithATrainingKeyPairAndSaysSo) {
   const std::string line = "Reference signer: training key pair 4, never for production\n";
   const Words sign = {"--sign", "--sw", "--dsmode", "2", "--keypair", "4", "--fw", "fw.bin"};
   ExpectSuccess(sign, line);
-  ExpectSuccess(Isp({"2", "--keypair", "4", "--fw", "fw.bin", "--signfile", "fw.bin.sig"}), line);
+  ExpectSuccess(Isp({"2", "--keypair", "4", "--fw", "fw.bin", "--signfile", "fw.bin.sig"}),
+                line + kProgrammed);
   EXPECT_TRUE(HoldsTheFirmware());
 }
 
@@ -113,7 +117,8 @@ TEST_F(ReferenceSigner, ProgramsWithTheKeyThatTheDeviceGives) {
   ExpectSuccess({"--sign", "--sw", "--dsmode", "4", "--fw", "fw.bin", "--skfile", "sign.key",
                  "--nextvkfile", "other.pub"});
   GivenFile(Display("01.key"), ReadWholeFile(m_tool / "sign.pub"));
-  ExpectSuccess(Isp({"4", "--fw", "fw.bin", "--signfile", "fw.bin.sig"}), kReadKey);
+  ExpectSuccess(Isp({"4", "--fw", "fw.bin", "--signfile", "fw.bin.sig"}),
+                std::string(kReadKey) + kKeyRead + kProgrammed);
   EXPECT_TRUE(HoldsTheFirmware());
 }
 
@@ -126,20 +131,23 @@ TEST_F(ReferenceSigner, ProgramsNothingWithoutTheRightKeyOnTheDevice) {
                 FailLine("0x5A2A"),
             42);
   GivenFile(Display("01.key"), ReadWholeFile(m_tool / "other.pub"));
-  ExpectNotVerified(isp, kReadKey + std::string(kNotGenuine));
+  ExpectNotVerified(isp, kReadKey + std::string(kKeyRead) + kNotGenuine);
   EXPECT_FALSE(IsProgrammed());
 }
 
 TEST_F(ReferenceSigner, DoesNotCheckHardwareSignaturesOrFactoryProgramming) {
-  ExpectSuccess({"--isp", "--comm", "1", "--bank", "0", "--hw", "--fw", "fw.bin"});
+  ExpectSuccess({"--isp", "--comm", "1", "--bank", "0", "--hw", "--fw", "fw.bin"}, kProgrammed);
   EXPECT_TRUE(HoldsTheFirmware());
-  ExpectSuccess({"--isp", "--comm", "2", "--bank", "0", "--factory", "--sw", "--fw", "fw.bin"});
+  ExpectSuccess({"--isp", "--comm", "2", "--bank", "0", "--factory", "--sw", "--fw", "fw.bin"},
+                "Display 02 (simulated): 2 banks programmed and verified\n");
 }
 
 TEST_F(ReferenceSigner, ProgramsTheBootCodeFirstInTheFactory) {
   const std::string boot = GivenFirmware(m_tool / "boot.bin", 100, 2);
-  ExpectSuccess({"--isp", "--comm", "1", "--bank", "0", "--newboot", "--factory", "--boot", boot,
-                 "--sw", "--fw", "fw.bin"});
+  ExpectSuccess(
+      {"--isp", "--comm", "1", "--bank", "0", "--newboot", "--factory", "--boot", boot, "--sw",
+       "--fw", "fw.bin"},
+      "Display 00 (simulated): 1 bank programmed and verified\n" + std::string(kProgrammed));
   EXPECT_TRUE(HoldsTheFirmware());
   EXPECT_EQ(ReadWholeFile(Display("00.flash")).substr(0, 100), ReadWholeFile(boot));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "display/commands.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -55,7 +57,9 @@ TEST_F(CommandsTest, AProgrammedDisplayHoldsTheFirmwareByteForByte) {
   EXPECT_EQ(Program(), 0u);
   EXPECT_EQ(Flash(), content);
   EXPECT_EQ(m_output, "");
-  EXPECT_EQ(g_progress, (std::vector<int>{0, 20, 40, 60, 80, 100}));
+  EXPECT_EQ(g_messages.back(), L"Display 01 (simulated): 5 banks programmed and verified");
+  EXPECT_EQ(g_progress,
+            (std::vector<int>{0, 6, 13, 20, 26, 33, 40, 46, 53, 60, 66, 73, 80, 86, 93, 100}));
 }
 
 TEST_F(CommandsTest, EachBankIsErasedAndWrittenOnceAndNoOtherIsTouched) {
@@ -82,8 +86,8 @@ TEST_F(CommandsTest, ADifferentialRunRewritesOnlyWhatDiffersAndSaysHowMuch) {
   content[2 * 65536 + 7] = static_cast<char>(~content[2 * 65536 + 7]);
   GivenFile(m_scratch / "fw1", content);
   EXPECT_EQ(Program(6), 0u);
-  EXPECT_EQ(m_output, "1 of 5 banks rewritten\n");
-  EXPECT_EQ(g_messages.back(), L"1 of 5 banks rewritten");
+  EXPECT_EQ(m_output, "");
+  EXPECT_EQ(g_messages.back(), L"Display 01 (simulated): 1 of 5 banks rewritten");
   EXPECT_EQ(Flash(), content);
   for (const std::uint32_t bank : {0u, 1u, 3u, 4u})
     EXPECT_EQ(Counts(bank), std::to_string(bank) + " 1 1");
@@ -91,11 +95,12 @@ TEST_F(CommandsTest, ADifferentialRunRewritesOnlyWhatDiffersAndSaysHowMuch) {
 }
 
 TEST_F(CommandsTest, ADifferentialRunOfTheSameFirmwareTouchesNothing) {
+  m_host.message = nullptr;
   GivenFirmwareAt(0, 2 * 65536);
   EXPECT_EQ(Program(6), 0u);
-  EXPECT_EQ(m_output, "2 of 2 banks rewritten\n");
+  EXPECT_EQ(m_output, "Display 01 (simulated): 2 of 2 banks rewritten\n");
   EXPECT_EQ(Program(6), 0u);
-  EXPECT_EQ(m_output, "0 of 2 banks rewritten\n");
+  EXPECT_EQ(m_output, "Display 01 (simulated): 0 of 2 banks rewritten\n");
   EXPECT_EQ(Counts(0), "0 1 1");
   EXPECT_NE(Content("journal").find("skip bank=0\nskip bank=1\nend "), std::string::npos);
 }
@@ -122,6 +127,7 @@ TEST_F(CommandsTest, ACopyIsProgrammedBesideTheOriginal) {
 }
 
 TEST_F(CommandsTest, OtherActionsProgramNothing) {
+  m_host.message = nullptr;
   GivenFirmwareAt(0, 1);
   for (const std::uint32_t action : {0u, 3u, 8u, 16u, 18u, 25u, 99u}) {
     EXPECT_EQ(Program(action), 0x5A21u);
@@ -131,6 +137,7 @@ TEST_F(CommandsTest, OtherActionsProgramNothing) {
 }
 
 TEST_F(CommandsTest, ARefusedRequestTouchesNoBank) {
+  m_host.message = nullptr;
   GivenFirmwareAt(254, 2 * 65536);
   GivenEntry(256, 0, m_scratch / "fw1");
   EXPECT_EQ(Program(), 0x5A23u);
@@ -169,12 +176,44 @@ TEST_F(CommandsTest, ADumpOutsideTheFlashMakesNoFile) {
 }
 
 TEST_F(CommandsTest, ADumpFileThatCannotBeWrittenIsRefused) {
+  m_host.message = nullptr;
   EXPECT_EQ(Dump(0, 1, m_scratch.Path()), 0x5A2Bu);
   EXPECT_EQ(m_output, "Display 01: cannot write " + m_scratch.Path() + ": Is a directory\n");
   EXPECT_EQ(Dump(0, 1, ""), 0x5A2Bu);
   auto& name = m_setting->stDumpFlash.wszDumpFile;
   std::fill(std::begin(name), std::end(name), L'd');
   EXPECT_EQ(Call(simulator::DumpToFile), 0x5A22u);
+}
+
+TEST_F(CommandsTest, ADumpReportsEachQuarterOfABank) {
+  EXPECT_EQ(Dump(0, 65536, m_scratch / "dump.bin"), 0u);
+  EXPECT_EQ(g_progress, (std::vector<int>{0, 25, 50, 75, 100}));
+}
+
+TEST_F(CommandsTest, NoPercentageIsReportedTwice) {
+  GivenFirmwareAt(0, 64 * 65536);
+  EXPECT_EQ(Program(), 0u);
+  ASSERT_EQ(g_progress.size(), 101u);
+  for (int percent = 0; percent <= 100; ++percent)
+    EXPECT_EQ(g_progress[static_cast<std::size_t>(percent)], percent);
+}
+
+TEST_F(CommandsTest, ADumpOntoAFileOfADisplayIsRefused) {
+  const std::string content = GivenFirmwareAt(0, 2 * 65536);
+  EXPECT_EQ(Program(), 0u);
+  GivenFile(m_scratch / "display-16.key", "a key");
+  ASSERT_EQ(symlink(FileOf("flash").c_str(), (m_scratch / "soft.bin").c_str()), 0);
+  ASSERT_EQ(link(FileOf("flash").c_str(), (m_scratch / "hard.bin").c_str()), 0);
+  ASSERT_EQ(symlink("display-16.key", (m_scratch / "other.bin").c_str()), 0);
+  for (const char* const name : {"display-01.flash", "soft.bin", "hard.bin", "other.bin"}) {
+    EXPECT_EQ(Dump(0, 16, m_scratch / name), 0x5A2Bu) << name;
+    const std::string path = m_scratch / name;
+    EXPECT_EQ(g_messages.back(), L"Display 01: cannot write " +
+                                     std::wstring(path.begin(), path.end()) +
+                                     L": it is a file of a simulated display");
+  }
+  EXPECT_EQ(Flash(), content);
+  EXPECT_EQ(ReadWholeFile(m_scratch / "display-16.key"), "a key");
 }
 
 TEST_F(CommandsTest, AFaultEndsADumpAtItsBank) {
@@ -212,6 +251,30 @@ TEST_F(CommandsTest, AVersionThatCannotBeReadIsNotRecorded) {
   EXPECT_TRUE(StateHas("recorded_version = "));
 }
 
+TEST_F(CommandsTest, AVersionThatIsTooLongIsNotRecorded) {
+  m_setting->enumVersionLocationType = 3;
+  m_setting->stReadVersionFromFlash.ulTotalVerLen = 336;
+  EXPECT_EQ(Call(simulator::RecordVersion), 0u);
+  for (const std::uint32_t length : {337u, 1024u, 1025u, 65536u}) {
+    m_setting->stReadVersionFromFlash.ulTotalVerLen = length;
+    EXPECT_EQ(Call(simulator::RecordVersion), 0x5A22u) << length;
+  }
+  GivenFile(FileOf("identity"), "version = " + std::string(65500, 'v'));
+  m_setting->enumVersionLocationType = 2;
+  EXPECT_EQ(Call(simulator::RecordVersion), 0x5A22u);
+  EXPECT_LT(Content("state").size(), 1200u);
+  EXPECT_EQ(Call(simulator::ResetMcu), 0u);
+}
+
+TEST_F(CommandsTest, WhatChangesTheStateIsNotedBeforeIt) {
+  EXPECT_EQ(Call(simulator::RecordVersion), 0u);
+  m_setting->enumEdpIspMode = 1;
+  EXPECT_EQ(Call(simulator::ProgramEeprom), 0u);
+  const std::string journal = Content("journal");
+  EXPECT_NE(journal.find("\nwrite version\nend n=1 code=0x0\n"), std::string::npos) << journal;
+  EXPECT_NE(journal.find("\nwrite eeprom\nend n=2 code=0x0\n"), std::string::npos) << journal;
+}
+
 TEST_F(CommandsTest, IspModeLastsUntilTheReset) {
   EXPECT_EQ(Call(simulator::EnterIspMode), 0u);
   EXPECT_TRUE(StateHas("mode = isp"));
@@ -228,18 +291,18 @@ TEST_F(CommandsTest, TheEepromCountsItsProgrammings) {
   EXPECT_EQ(Call(simulator::ProgramEeprom), 0u);
   m_setting->enumEdpIspMode = 2;
   EXPECT_EQ(Call(simulator::ProgramEeprom), 0u);
-  EXPECT_EQ(m_output, "e-DP EEPROM version: 2\n");
+  EXPECT_EQ(g_messages.back(), L"Display 01 (simulated): e-DP EEPROM version: 2");
   m_setting->enumEdpIspMode = 0;
   EXPECT_EQ(Call(simulator::ProgramEeprom), 0x5A21u);
 }
 
 TEST_F(CommandsTest, TheDisplayAnswersWhatItsIdentitySays) {
   EXPECT_EQ(Call(simulator::SayUserInfo), 0u);
-  EXPECT_EQ(m_output, "User-defined information: simulated display\n");
+  EXPECT_EQ(g_messages.back(),
+            L"Display 01 (simulated): User-defined information: simulated display");
   GivenFile(FileOf("identity"), "user_info = line 4\nscaler_type = 77\n");
   EXPECT_EQ(Call(simulator::SayUserInfo), 0u);
-  EXPECT_EQ(m_output, "User-defined information: line 4\n");
-  EXPECT_EQ(g_messages.back(), L"User-defined information: line 4");
+  EXPECT_EQ(g_messages.back(), L"Display 01 (simulated): User-defined information: line 4");
   EXPECT_EQ(Call(simulator::ReadScalerType), 77u);
   EXPECT_EQ(m_output, "");
 }

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "display/display.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <filesystem>
 
 #include "display_fixture.h"
@@ -67,6 +70,68 @@ TEST_F(OpenDisplayTest, AFileOfTheDisplayThatCannotBeUsedIsRefused) {
     GivenDirectory(FileOf(kind));
     EXPECT_EQ(Open().code, 0x5A27u) << kind;
   }
+}
+
+TEST_F(OpenDisplayTest, AStateThatCannotBeReadCountsAsANewOneWithAWord) {
+  ASSERT_TRUE(Open().Ok());
+  EXPECT_EQ(m_display->Warning(), "");
+  m_display.reset();
+  GivenFile(FileOf("state"), "calls = 7\nrecorded_version = " + std::string(65600, 'v') + "\n");
+  ASSERT_TRUE(Open().Ok());
+  EXPECT_EQ(m_display->Warning(), FileOf("state") + " cannot be read, the display counts as new");
+  m_display.reset();
+  EXPECT_EQ(Content("state").substr(0, 10), "calls = 1\n");
+  ASSERT_TRUE(Open().Ok());
+  EXPECT_EQ(m_display->Warning(), "");
+}
+
+TEST_F(OpenDisplayTest, NoFileThatItWritesIsOpenedThroughALink) {
+  for (const char* const kind : {"flash", "journal", "counters"}) {
+    std::filesystem::remove_all(m_scratch.Path());
+    GivenFile(m_scratch / "victim", "victim");
+    ASSERT_EQ(symlink("victim", FileOf(kind).c_str()), 0);
+    const auto outcome = Open();
+    EXPECT_EQ(outcome.code, 0x5A27u) << kind;
+    EXPECT_EQ(outcome.why, FileOf(kind) + " is a symbolic link, which a display does not follow");
+    EXPECT_EQ(ReadWholeFile(m_scratch / "victim"), "victim");
+  }
+}
+
+TEST_F(OpenDisplayTest, ItsNewStateIsNotWrittenThroughALink) {
+  GivenFile(m_scratch / "victim", "victim");
+  for (const char* const kind : {"state", "state.new"}) {
+    ASSERT_EQ(symlink("victim", FileOf(kind).c_str()), 0);
+  }
+  ASSERT_TRUE(Open().Ok());
+  EXPECT_EQ(ReadWholeFile(m_scratch / "victim"), "victim");
+  EXPECT_EQ(Content("state").substr(0, 10), "calls = 1\n");
+  EXPECT_FALSE(std::filesystem::is_symlink(FileOf("state")));
+}
+
+TEST_F(OpenDisplayTest, AJournalLineThatWasCutShortIsEnded) {
+  GivenFile(FileOf("journal"), "call n=1\nerase ba");
+  ASSERT_TRUE(Open().Ok());
+  ASSERT_TRUE(m_display->Note("call n=2").Ok());
+  m_display.reset();
+  ASSERT_TRUE(Open().Ok());
+  EXPECT_EQ(Content("journal"), "call n=1\nerase ba\ncall n=2\n");
+}
+
+TEST_F(OpenDisplayTest, EveryFileOfEveryDisplayIsKnown) {
+  ASSERT_TRUE(Open().Ok());
+  const auto is_known = [&](const std::string& path) {
+    struct stat look = {};
+    EXPECT_EQ(stat(path.c_str(), &look), 0) << path;
+    return m_display->IsFileOfADisplay(look);
+  };
+  for (const char* const kind :
+       {"flash", "journal", "counters", "state", "identity", "key", "faults"}) {
+    EXPECT_TRUE(is_known(GivenFile(FileOf(kind), ""))) << kind;
+    const std::string other = m_scratch / ("display-16." + std::string(kind));
+    EXPECT_TRUE(is_known(GivenFile(other, ""))) << kind;
+  }
+  EXPECT_FALSE(is_known(GivenFile(m_scratch / "display-17.flash", "")));
+  EXPECT_FALSE(is_known(m_scratch.Path()));
 }
 
 TEST_F(OpenDisplayTest, ASettingsFileThatCannotBeReadOrUnderstoodIsRefused) {

@@ -108,10 +108,10 @@ TEST_F(ExportsTest, EachOptionalCallReachesItsDisplay) {
   EXPECT_EQ(Call("ResetMCUExport"), 0u);
   EXPECT_EQ(Call("GetScalerType"), 1u);
   EXPECT_EQ(Call("GetUserDefinedInfoFromDDCCI"), 0u);
-  EXPECT_EQ(m_output, "User-defined information: simulated display\n");
+  EXPECT_EQ(m_output, "Display 01 (simulated): User-defined information: simulated display\n");
   m_setting->enumEdpIspMode = 2;
   EXPECT_EQ(Call("IspEeprom"), 0u);
-  EXPECT_EQ(m_output, "e-DP EEPROM version: 0\n");
+  EXPECT_EQ(m_output, "Display 01 (simulated): e-DP EEPROM version: 0\n");
   EXPECT_EQ(Content("state"),
             "calls = 6\nresets = 1\neeprom_version = 0\nmode = normal\n"
             "recorded_version = display 1.0\n");
@@ -142,12 +142,13 @@ TEST_F(ExportsTest, TheHostsCallbacksAreCalled) {
   Find<void(CZvComm*)>("SetCommInterface")(nullptr);
   GivenFirmwareAt(0, 2 * 65536);
   EXPECT_EQ(Call("IspFlash"), 0u);
-  EXPECT_EQ(g_progress, (std::vector<int>{0, 50, 100}));
+  EXPECT_EQ(g_progress, (std::vector<int>{0, 16, 33, 50, 66, 83, 100}));
   m_setting->stMapFw.ulCount = 0;
   EXPECT_EQ(Call("IspFlash"), 0x5A2Cu);
-  EXPECT_EQ(
-      g_messages,
-      (std::vector<std::wstring>{L"Display 01: the firmware map is empty, nothing to program"}));
+  EXPECT_EQ(g_messages, (std::vector<std::wstring>{
+                            L"Display 01 (simulated): 2 banks programmed and verified",
+                            L"Display 01: the firmware map is empty, nothing to program"}));
+  EXPECT_EQ(m_output, "");
 }
 
 TEST_F(ExportsTest, AHostileRecordIsRefused) {
@@ -229,6 +230,36 @@ TEST_F(ExportsTest, ARunKilledAtAnyMomentCanBeRepeated) {
     Kill(run);
     EXPECT_EQ(Call("IspFlash"), 0u) << m_output;
     ASSERT_EQ(Flash(), content) << delay;
+  }
+}
+
+// The journal is what tests of other programs trust: whatever moment a run is killed at, it names
+// every bank that was touched, in whole lines.
+TEST_F(ExportsTest, TheJournalIsTheRefereeOfARunKilledAtAnyMoment) {
+  const std::string content = GivenFirmwareAt(0, 8 * 65536);
+  for (int delay = 0; delay < 40; ++delay) {
+    for (const char* const kind : {"flash", "journal", "counters"}) {
+      std::filesystem::remove(FileOf(kind));
+    }
+    GivenFile(FileOf("flash"), std::string(8 * 65536, '\0'));
+    const pid_t run = StartProgramming();
+    std::this_thread::sleep_for(std::chrono::microseconds(100 * delay));
+    Kill(run);
+    const std::string journal = FileExists(FileOf("journal")) ? Content("journal") : "";
+    EXPECT_TRUE(journal.empty() || journal.back() == '\n');
+    const std::string flash = Flash();
+    for (std::uint32_t bank = 0; bank < 8; ++bank) {
+      const auto has = [&](const std::string& line) {
+        return journal.find(line + std::to_string(bank)) != std::string::npos;
+      };
+      const std::string stored = flash.substr(bank * 65536, 65536);
+      const bool untouched = stored == std::string(65536, '\0');
+      const bool programmed = stored == content.substr(bank * 65536, 65536);
+      EXPECT_TRUE(has("erase bank=") || untouched) << bank;
+      EXPECT_TRUE(has("write bank=") || !programmed) << bank;
+      EXPECT_TRUE(!has("verify bank=") || programmed) << bank;
+    }
+    EXPECT_TRUE(journal.find("\nend n=") == std::string::npos || flash == content);
   }
 }
 

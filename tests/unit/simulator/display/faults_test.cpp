@@ -37,6 +37,7 @@ TEST(Faults, NoFileMeansNoFault) {
     EXPECT_TRUE(faults.Strike(step, 0).Ok());
   EXPECT_FALSE(faults.FlippedBit(0));
   EXPECT_FALSE(faults.VerifyFails(0));
+  EXPECT_FALSE(faults.VerifyLies(0));
 }
 
 TEST(Faults, AFailureEndsTheCallWithItsCode) {
@@ -102,6 +103,28 @@ TEST(Faults, AFlippedBitAndAFailedComparisonNameTheirBanks) {
   EXPECT_EQ(FaultsOf("flip").FlippedBit(77), 0u);
 }
 
+TEST(Faults, AnAnswerThatFailsToComeAtABankHasACodeOfItsOwn) {
+  EXPECT_EQ(CodeAt(FaultsOf("no-answer bank=2"), Step::kErase, 2), 0x5A30u);
+  EXPECT_EQ(CodeAt(FaultsOf("no-answer bank=2"), Step::kRead, 2), 0x5A30u);
+  for (const char* const at : {"erase", "write", "verify"}) {
+    const Faults faults = FaultsOf(std::string("no-answer at=") + at);
+    EXPECT_EQ(CodeAt(faults, Step::kCall), 0u) << at;
+  }
+  const auto outcome = FaultsOf("no-answer at=write").Strike(Step::kWrite, 9);
+  EXPECT_EQ(outcome.code, 0x5A30u);
+  EXPECT_EQ(outcome.why, "no answer any more at bank 9");
+}
+
+TEST(Faults, ALieFlipsABitAndHidesIt) {
+  const Faults faults = FaultsOf("lie bank=1 bit=17");
+  EXPECT_EQ(faults.FlippedBit(1), 17u);
+  EXPECT_FALSE(faults.FlippedBit(0));
+  EXPECT_TRUE(faults.VerifyLies(1));
+  EXPECT_FALSE(faults.VerifyLies(0));
+  EXPECT_FALSE(FaultsOf("flip").VerifyLies(0));
+  EXPECT_TRUE(faults.Strike(Step::kVerify, 1).Ok());
+}
+
 TEST(Faults, SeveralFaultsStandSideBySide) {
   const Faults faults = FaultsOf("slow ms=1\nfail bank=1 code=0x101\nfail bank=2 code=0x102");
   EXPECT_EQ(CodeAt(faults, Step::kErase, 0), 0u);
@@ -131,7 +154,8 @@ TEST(Faults, ASlipIsRefusedWithItsLine) {
   for (const char* const slip :
        {"explode", "fail bank", "fail bank=", "fail bank=x", "fail at=lunch", "fail ms=3",
         "slow at=write", "verify code=1", "fail code=0x100", "fail code=0", "flip bit=524288",
-        "fail =3", "fail call bank=1", "hang code=1", "fail bank = 3", "no-answer bit=1"}) {
+        "fail =3", "fail call bank=1", "hang code=1", "fail bank = 3", "no-answer bit=1",
+        "lie at=write", "lie bit=524288"}) {
     std::vector<simulator::Fault> faults;
     const auto outcome = simulator::ParseFaults("slow\n" + std::string(slip), faults);
     EXPECT_EQ(outcome.code, 0x5A2Du) << slip;

@@ -14,12 +14,13 @@ namespace {
 class FirmwareFileTest : public testing::Test {
  protected:
   simulator::Outcome Read(const std::string& path, std::uint32_t bank) {
-    return m_files.ReadBank(path, bank, m_bytes);
+    if (simulator::Outcome opened = m_file.Open(path); !opened.Ok()) return opened;
+    return m_file.ReadBank(bank, m_bytes);
   }
   std::string Bytes() const { return {m_bytes.begin(), m_bytes.end()}; }
 
   ScratchDir m_scratch;
-  simulator::FirmwareFiles m_files;
+  simulator::FirmwareFile m_file;
   simulator::BankBytes m_bytes;
 };
 
@@ -32,13 +33,24 @@ TEST_F(FirmwareFileTest, ABankIsReadFromItsPlaceAndTheLastOnePadded) {
   EXPECT_EQ(Bytes(), content.substr(65536) + std::string(65533, '\xFF'));
 }
 
-TEST_F(FirmwareFileTest, FilesMayTakeTurns) {
-  GivenFile(m_scratch / "a", "A");
-  GivenFile(m_scratch / "b", "B");
-  for (const char* const name : {"a", "b", "a"}) {
-    ASSERT_TRUE(Read(m_scratch / name, 0).Ok());
-    EXPECT_EQ(Bytes()[0], name[0] - 'a' + 'A');
-  }
+TEST_F(FirmwareFileTest, AFileThatChangedSinceItWasOpenedIsRefused) {
+  const std::string path = GivenFirmware(m_scratch / "fw", 2 * 65536);
+  ASSERT_TRUE(Read(path, 0).Ok());
+  EXPECT_TRUE(m_file.CheckUnchanged().Ok());
+  GivenFirmware(path, 3 * 65536);
+  const auto outcome = m_file.CheckUnchanged();
+  EXPECT_EQ(outcome.code, 0x5A31u);
+  EXPECT_EQ(outcome.why, path + " changed while it was read, nothing was programmed");
+}
+
+// What has the path in the end is not what was read.
+TEST_F(FirmwareFileTest, AnotherFileInItsPlaceIsNotRead) {
+  const std::string path = GivenFile(m_scratch / "fw", "old");
+  ASSERT_TRUE(Read(path, 0).Ok());
+  GivenFile(m_scratch / "other", "new");
+  ASSERT_EQ(rename((m_scratch / "other").c_str(), path.c_str()), 0);
+  ASSERT_TRUE(m_file.ReadBank(0, m_bytes).Ok());
+  EXPECT_EQ(Bytes().substr(0, 3), "old");
 }
 
 TEST_F(FirmwareFileTest, ABankBeyondTheEndIsRefused) {

@@ -59,6 +59,26 @@ TEST_F(InjectedFaultsTest, ADisplayThatDoesNotAnswerIsToldApart) {
   EXPECT_EQ(Flash(), "");
 }
 
+TEST_F(InjectedFaultsTest, ADisplayThatStopsAnsweringInABankIsToldFromOneThatNeverAnswered) {
+  GivenFile(FileOf("flash"), std::string(3 * 65536, '\0'));
+  GivenFaults("no-answer bank=1 at=write");
+  EXPECT_EQ(Program(), 0x5A30u);
+  EXPECT_EQ(m_output, "Display 01: no answer any more at bank 1\n");
+  EXPECT_EQ(Flash(),
+            m_content.substr(0, 65536) + std::string(65536, '\xFF') + std::string(65536, '\0'));
+}
+
+TEST_F(InjectedFaultsTest, ALieReportsSuccessForABankThatHoldsAFlippedBit) {
+  GivenFaults("lie bank=1 bit=9");
+  EXPECT_EQ(Program(), 0u);
+  EXPECT_EQ(m_output, "Display 01 (simulated): 3 banks programmed and verified\n");
+  std::string expected = m_content;
+  expected[65537] = static_cast<char>(expected[65537] ^ 2);
+  EXPECT_EQ(Flash(), expected);
+  EXPECT_NE(Content("journal").find("verify bank=1 lie\n"), std::string::npos);
+  EXPECT_NE(Content("journal").find("verify bank=2 ok\nend n=1 code=0x0\n"), std::string::npos);
+}
+
 TEST_F(InjectedFaultsTest, AFlippedBitIsFoundByTheVerification) {
   GivenFaults("flip bank=1 bit=9");
   EXPECT_EQ(Program(), 0x5A28u);

@@ -25,4 +25,12 @@ TEST(State, AMissingOrDamagedLineLeavesTheDefault) {
   EXPECT_EQ(FormatState(state), FormatState(State()));
 }
 
+TEST(State, ARecordedVersionThatIsTooLongIsDropped) {
+  const auto version = [](std::size_t length) {
+    return simulator::ParseState("recorded_version = " + std::string(length, 'v')).recorded_version;
+  };
+  EXPECT_EQ(version(1024), std::string(1024, 'v'));
+  EXPECT_EQ(version(1025), "");
+}
+
 }  // namespace
