@@ -41,7 +41,7 @@ int Close(void* cookie) {
 
 }  // namespace
 
-std::FILE* OpenOrdinaryFile(const char* path, const char* mode) {
+std::FILE* zvisp::OpenOrdinaryFile(const char* path, const char* mode) {
   const bool reads = mode[0] == 'r';
   if (*path == '\0' || (reads && Files().count(path) == 0)) return nullptr;
   std::string& content = Files()[path];
