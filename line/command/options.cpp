@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
@@ -40,22 +42,46 @@ std::string CheckCode(std::string& text) {
   return is_code ? "" : text + " is no number from 0 to 0xFFFFFFFF";
 }
 
+// An option in the place of a value is a value that was forgotten, or an empty variable of a shell.
 std::string CheckText(std::string& text) {
+  if (text.substr(0, 2) == "--") return "the value is missing before " + text;
   return text.find_first_not_of(' ') == std::string::npos ? "the text is blank" : "";
 }
 
 constexpr const char* kTitle = "Programs displays one by one, with progress, record and the truth.";
-constexpr const char* kFooter =
-    "What follows \"--\" are the words of zvisp. Exit status: 0 passed, 1 failed or different, "
-    "2 refused, 3 not available, 4 not recorded, 5 uncertain, 129, 130 or 143 ended by a signal.";
+constexpr const char* kStatuses =
+    "Exit status: 0 passed, 1 failed or different, 2 refused, 3 not available,\n"
+    "4 not recorded, 5 uncertain, 129, 130 or 143 ended by a signal.";
+constexpr const char* kWords = "What follows \"--\" are the words of zvisp.\n";
+
+// The library would name a command without the program, and show values that no option takes.
+class HelpText : public CLI::Formatter {
+ public:
+  // `usage`: what follows the program's name.
+  explicit HelpText(std::string usage) : m_usage(std::move(usage)) {
+    label("Positionals", "Arguments");
+  }
+
+  std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
+    return "Usage: zvisp-line " + m_usage + "\n";
+  }
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const bool takes_value = option->nonpositional() && option->get_type_size() != 0;
+    return takes_value ? " " + option->get_type_name() : "";
+  }
+
+ private:
+  std::string m_usage;
+};
 
 // The option library's view of the command line; it writes into `options`.
 class Grammar {
  public:
   explicit Grammar(Options& options) : m_app(kTitle, "zvisp-line"), m_options(options) {
-    m_app.set_version_flag("--version", Version());
+    AddVersion(m_app);
     m_app.set_help_flag("--help", "Print this help and exit");
-    m_app.footer(kFooter);
+    m_app.footer(kStatuses);
+    m_app.formatter(std::make_shared<HelpText>("COMMAND"));
     m_app.require_subcommand(1);
     AddUnitCommands();
     AddJournalCommands();
@@ -70,24 +96,38 @@ class Grammar {
   CLI::App& App() { return m_app; }
 
  private:
-  static std::string Version() { return "zvisp-line " + ToolVersion(); }
+  static void AddVersion(CLI::App& app) {
+    app.set_version_flag("--version", "zvisp-line " + ToolVersion(), "Print the version and exit");
+  }
 
-  CLI::App* AddCommand(CLI::App& parent, const char* name, const char* help, Command command) {
-    CLI::App* const app = parent.add_subcommand(name, help);
-    app->callback([this, command] { m_options.command = command; });
-    app->set_version_flag("--version", Version());
-    AddCommonOptions(*app);
+  // `usage`: what follows the program's name; its first words are the command's.
+  CLI::App& AddCommand(CLI::App& parent, const char* name, const char* usage, const char* help,
+                       Command command) {
+    CLI::App& app = *parent.add_subcommand(name, help)->group("Commands");
+    app.callback([this, command] { m_options.command = command; });
+    app.formatter(std::make_shared<HelpText>(usage));
+    AddVersion(app);
+    AddCommonOptions(app);
     return app;
   }
 
+  static void AddFlag(CLI::App& app, const char* name, bool& value, const char* help) {
+    app.add_flag(name, value, help)->disable_flag_override();
+  }
+
+  static CLI::Option& AddText(CLI::App& app, const char* name, std::string& value, const char* type,
+                              const char* help) {
+    return *app.add_option(name, value, help)
+                ->check(CLI::Validator(CheckText, ""))
+                ->type_name(type);
+  }
+
   void AddCommonOptions(CLI::App& app) {
-    app.add_flag("--json", m_options.json, "Report by JSON Lines on standard output");
-    app.add_flag("--quiet", m_options.quiet, "Print nothing but errors");
+    AddFlag(app, "--json", m_options.json, "Report by JSON Lines on standard output");
+    AddFlag(app, "--quiet", m_options.quiet, "Print nothing but errors");
     AddWhen(app, "--progress", m_options.progress, "Show progress: auto, always or never");
     AddWhen(app, "--color", m_options.color, "Use colours: auto, always or never");
-    app.add_option("--data", m_options.data, "Directory of the record")
-        ->check(CLI::Validator(CheckText, ""))
-        ->type_name("DIR");
+    AddText(app, "--data", m_options.data, "DIR", "Directory of the record");
   }
 
   static void AddWhen(CLI::App& app, const char* name, When& when, const char* help) {
@@ -95,74 +135,89 @@ class Grammar {
   }
 
   void AddUnitCommands() {
-    AddUnitOptions(*AddCommand(m_app, "plan", "Show what would be written where; touch nothing",
-                               Command::kPlan));
-    CLI::App* const run = AddCommand(m_app, "run", "Do one action on one display", Command::kRun);
-    AddUnitOptions(*run);
-    run->add_flag("--readback", m_options.readback, "Read the flash back afterwards and compare");
-    AddIgnore(*run);
-    CLI::App* const readback =
-        AddCommand(m_app, "readback", "Compare the flash with what run would have written",
-                   Command::kReadback);
-    AddUnitOptions(*readback);
-    AddIgnore(*readback);
+    AddUnitOptions(AddCommand(m_app, "plan", "plan [OPTIONS] -- ZVISP-WORDS",
+                              "Show what would be written where; touch nothing", Command::kPlan));
+    CLI::App& run = AddCommand(m_app, "run", "run [OPTIONS] -- ZVISP-WORDS",
+                               "Do one action on one display", Command::kRun);
+    AddUnitOptions(run);
+    AddFlag(run, "--readback", m_options.readback, "Read the flash back afterwards and compare");
+    AddIgnore(run);
+    CLI::App& readback =
+        AddCommand(m_app, "readback", "readback [OPTIONS] -- ZVISP-WORDS",
+                   "Compare the flash with what run would have written", Command::kReadback);
+    AddUnitOptions(readback);
+    AddIgnore(readback);
   }
 
   void AddIgnore(CLI::App& app) {
-    app.add_option("--ignore", m_options.ignore, "Leave these addresses out of the comparison")
+    app.add_option("--ignore", m_options.ignore,
+                   "Leave these addresses out of the comparison; may be repeated")
+        ->allow_extra_args(false)
         ->type_name("FIRST-LAST");
   }
 
   void AddUnitOptions(CLI::App& app) {
-    app.add_option("--unit", m_options.unit, "Serial of the display")
-        ->check(CLI::Validator(CheckText, ""))
-        ->type_name("SERIAL");
+    app.footer(std::string(kWords) + kStatuses);
+    AddText(app, "--unit", m_options.unit, "SERIAL", "Serial of the display");
     app.add_option("--timeout", m_options.timeout_s, "End the run after so long; 0: never")
         ->check(CLI::Validator(CheckSeconds, ""))
         ->type_name("SECONDS");
     app.add_option("--wait", m_options.wait_s, "Wait so long for an interface in use")
         ->check(CLI::Validator(CheckSeconds, ""))
         ->type_name("SECONDS");
-    app.add_option("--plugins", m_options.plugins, "Directory of the plug-ins")
-        ->check(CLI::Validator(CheckText, ""))
-        ->type_name("DIR");
+    AddText(app, "--plugins", m_options.plugins, "DIR", "Directory of the plug-ins");
     app.add_option("--nothing-written", m_options.nothing_written,
                    "Codes by which the plug-in promises that nothing was written")
         ->delimiter(',')
+        ->allow_extra_args(false)
         ->check(CLI::Validator(CheckCode, ""))
         ->type_name("CODE,...");
-    app.add_flag("--allow-unsigned", m_options.allow_unsigned,
-                 "Program banks that the signature does not cover");
+    AddFlag(app, "--allow-unsigned", m_options.allow_unsigned,
+            "Program files that the signature does not cover");
     app.add_option("--expect", m_options.expect, "Scaler type that --getscalertype must answer")
         ->check(CLI::Validator(CheckCode, ""))
         ->type_name("N");
   }
 
   void AddJournalCommands() {
-    CLI::App* const journal = m_app.add_subcommand("journal", "The record of all displays");
-    journal->require_subcommand(1);
-    CLI::App* const show = AddCommand(*journal, "show", "Print the record", Command::kJournalShow);
-    show->add_option("--unit", m_options.unit, "Only this display")->type_name("SERIAL");
-    show->add_option("--run", m_options.run, "Only this run")->type_name("RUN");
-    AddCommand(*journal, "doctor", "Name every display that may be half-written",
-               Command::kJournalDoctor);
-    CLI::App* const resolve = AddCommand(*journal, "resolve", "Clear a display that doctor names",
-                                         Command::kJournalResolve);
-    resolve->add_option("run", m_options.run, "The run that doctor names")
-        ->required()
-        ->type_name("RUN");
-    resolve->add_option("--note", m_options.note, "Why it is clear")->required()->type_name("TEXT");
+    CLI::App& journal = *m_app.add_subcommand("journal", "The record of all displays");
+    journal.group("Commands");
+    journal.formatter(std::make_shared<HelpText>("journal COMMAND"));
+    journal.require_subcommand(1);
+    CLI::App& show = AddCommand(journal, "show", "journal show [OPTIONS]", "Print the record",
+                                Command::kJournalShow);
+    AddText(show, "--unit", m_options.unit, "SERIAL", "Only this display");
+    AddText(show, "--run", m_options.run, "RUN", "Only this run");
+    AddCommand(journal, "doctor", "journal doctor [OPTIONS]",
+               "Name every display that may be half-written", Command::kJournalDoctor);
+    CLI::App& resolve = AddCommand(journal, "resolve", "journal resolve [OPTIONS] RUN --note TEXT",
+                                   "Clear a display that doctor names", Command::kJournalResolve);
+    resolve.add_option("RUN", m_options.run, "The run that doctor names")->required();
+    AddText(resolve, "--note", m_options.note, "TEXT", "Why it is clear").required();
   }
 
   CLI::App m_app;
   Options& m_options;
 };
 
-// The library ends some of its sentences itself and starts some with a capital.
-std::string Sentence(const std::string& complaint) {
-  std::string text = complaint.substr(0, complaint.find('\n'));
-  if (!text.empty() && text.back() == '.') text.pop_back();
-  return "Command line: " + text + "; see zvisp-line --help.";
+CLI::App& Innermost(CLI::App& app) {
+  const std::vector<CLI::App*> inner = app.get_subcommands();
+  return inner.empty() ? app : Innermost(*inner.front());
+}
+
+// What is wrong with a command line. The library ends some of its sentences itself.
+std::string Complaint(const CLI::ParseError& error, CLI::App& app, bool has_words) {
+  const std::vector<std::string> strangers = app.remaining(true);
+  const CLI::App& command = Innermost(app);
+  const bool needs_command = command.get_require_subcommand_min() > 0;
+  if (strangers.empty()) {
+    if (needs_command) return "a command is missing";
+    const std::string text = error.what();
+    return text.substr(0, text.find_last_not_of(".\n") + 1);
+  }
+  if (needs_command) return strangers.front() + " is no command";
+  return strangers.front() + " is no option of " + command.get_name() +
+         (has_words ? "" : "; the words of zvisp belong after \"--\"");
 }
 
 ParsedOptions TextOf(std::string text) {
@@ -170,11 +225,6 @@ ParsedOptions TextOf(std::string text) {
   parsed.kind = ParsedOptions::Kind::kText;
   parsed.text = std::move(text);
   return parsed;
-}
-
-CLI::App& Innermost(CLI::App& app) {
-  const std::vector<CLI::App*> inner = app.get_subcommands();
-  return inner.empty() ? app : Innermost(*inner.front());
 }
 
 }  // namespace
@@ -193,7 +243,8 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
   } catch (const CLI::CallForVersion& version) {
     return TextOf(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {
-    parsed.text = Sentence(error.what());
+    parsed.text = "Command line: " + Complaint(error, grammar.App(), end != arguments.end()) +
+                  "; see zvisp-line --help.";
     // The printer of a refusal is chosen by these two, wherever the mistake is.
     options.json = std::find(arguments.begin(), end, "--json") != end;
     options.quiet = std::find(arguments.begin(), end, "--quiet") != end;

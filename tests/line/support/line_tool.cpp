@@ -44,7 +44,13 @@ RunResult LineTool::ReadBack(const Words& words, const Words& options) const {
 }
 
 RunResult LineTool::Doctor() const {
-  return RunCommand(LineOf({"journal", "doctor", "--json", "--data", DataDirectory()}));
+  return Journal({"doctor"});
+}
+
+RunResult LineTool::Journal(Words arguments) const {
+  arguments.insert(arguments.begin(), "journal");
+  arguments.insert(arguments.end(), {"--json", "--data", DataDirectory()});
+  return RunCommand(LineOf(arguments));
 }
 
 std::string LineTool::Record() const {
@@ -57,9 +63,13 @@ std::string LineTool::Record() const {
 }
 
 bool LineTool::WaitForRecord(const std::string& text) const {
+  return WaitUntil([&] { return Record().find(text) != std::string::npos; });
+}
+
+bool WaitUntil(const std::function<bool()>& is_so) {
   constexpr int kPolls = 3000;
   for (int i = 0; i < kPolls; ++i) {
-    if (Record().find(text) != std::string::npos) return true;
+    if (is_so()) return true;
     std::this_thread::sleep_for(std::chrono::milliseconds(10));
   }
   return false;

@@ -5,6 +5,7 @@
 #ifndef ZVISP_TESTS_LINE_SUPPORT_LINE_TOOL_H_
 #define ZVISP_TESTS_LINE_SUPPORT_LINE_TOOL_H_
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,11 +19,14 @@ class LineTool {
   // With the simulated display as plug-in.
   LineTool();
 
+  // `zvisp-line ARGUMENTS`.
+  Command LineOf(const Words& arguments) const;
   // `zvisp-line COMMAND --json --data DATA --unit ZP1 OPTIONS -- WORDS`.
   Command Line(const std::string& command, const Words& options, const Words& words) const;
   RunResult Run(const Words& words, const Words& options = {}) const;
   RunResult ReadBack(const Words& words, const Words& options = {}) const;
-  // `zvisp-line journal doctor --json --data DATA`.
+  // `zvisp-line journal ARGUMENTS --json --data DATA`.
+  RunResult Journal(Words arguments) const;
   RunResult Doctor() const;
 
   Installation& Tool() { return m_tool; }
@@ -37,11 +41,12 @@ class LineTool {
   bool WaitForRecord(const std::string& text) const;
 
  private:
-  Command LineOf(const Words& arguments) const;
-
   Installation m_tool;
   Displays m_displays;
 };
+
+// Asks again and again; false when it is not so within half a minute.
+bool WaitUntil(const std::function<bool()>& is_so);
 
 // The lines of JSON Lines that have this type.
 std::vector<std::string> EventsOf(const std::string& json_lines, const std::string& type);
