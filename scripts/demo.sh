@@ -8,8 +8,9 @@ usage() {
 ./demo [FILE]
 
 Builds zvisp and the simulated display in build/, programs firmware into the display, reads the
-flash back through the tool and compares. No hardware is touched. Without FILE, the firmware is a
-generated image of five banks in two files.
+flash back through the tool and compares. Then zvisp-line does the same in one go, on a second
+display and with a record. No hardware is touched. Without FILE, the firmware is a generated image
+of five banks in two files.
 
 The first run installs the compiler, CMake and Ninja when they are missing and builds for a minute
 or two; after that it takes seconds.
@@ -43,14 +44,21 @@ if [ -n "$given" ]; then
   [ -s "$given" ] || fail "the file $given is empty"
 fi
 
-scripts/dependencies.sh build
+scripts/dependencies.sh build line
 quietly "Configuring, half a minute the first time" configure build
+targets=(zvisp isp_simulator)
+# Its libraries may be missing where nothing can be installed.
+if cmake --build build --target help | grep -w zvisp-line >/dev/null; then
+  targets+=(zvisp-line)
+fi
 quietly "Building the tool and the simulated display, a minute or two the first time" \
-  cmake --build build --parallel "$(processors)" --target zvisp isp_simulator
+  cmake --build build --parallel "$(processors)" --target "${targets[@]}"
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export ZVISP_SIM_DIR=$work/displays
+# Simulated displays are at no interface of this host.
+export ZVISP_LINE_LOCK_DIR=$work/locks
 
 size_of() { wc -c <"$1" | tr -d ' '; }
 
@@ -74,15 +82,29 @@ append_banks() {
 
 if [ -n "$given" ]; then
   append_banks "$given" >"$work/expected"
-  run --isp --fw1 "$given" --bank1 0 --comm 1
+  firmware=(--fw1 "$given" --bank1 0)
 else
   head -c $((3 * bank_bytes)) /dev/urandom >"$work/main.bin"
   head -c 100000 /dev/urandom >"$work/panel.bin"
   { append_banks "$work/main.bin"; append_banks "$work/panel.bin"; } >"$work/expected"
-  run --isp --fw1 "$work/main.bin" --bank1 0 --fw2 "$work/panel.bin" --bank2 3 --comm 1
+  firmware=(--fw1 "$work/main.bin" --bank1 0 --fw2 "$work/panel.bin" --bank2 3)
 fi
+run --isp "${firmware[@]}" --comm 1
 length=$(size_of "$work/expected")
 run --dumpflash --dumpaddr 0 --dumplen "$length" --dumpname "$work/dump.bin" --comm 1
 
 cmp "$work/expected" "$work/dump.bin"
 echo "The flash holds the firmware byte for byte: $((length / bank_bytes)) banks, $length bytes."
+
+# The same with zvisp-line, on a display that is slow enough to watch the bar on a terminal.
+if [[ ${targets[*]} != *zvisp-line* ]]; then
+  echo "zvisp-line was left out: libraries that it needs are missing."
+  exit
+fi
+record=$work/record
+echo 'slow ms=150' >"$ZVISP_SIM_DIR/display-02.faults"
+echo "\$ zvisp-line run --readback --unit ZP1 --data $record -- --isp ${firmware[*]} --comm 2"
+build/bin/zvisp-line run --readback --unit ZP1 --data "$record" -- --isp "${firmware[@]}" --comm 2 ||
+  fail "zvisp-line ended with status $?"
+echo "\$ zvisp-line journal show --data $record | grep -v progress"
+build/bin/zvisp-line journal show --data "$record" | grep -v progress

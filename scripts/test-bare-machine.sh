@@ -94,6 +94,7 @@ try_demo() {
   said 'installing needs root, and there is no sudo'
   inside root ./demo
   said 'The flash holds the firmware byte for byte'
+  said 'comm-2  ZP1  PASS  identical'
   inside root './demo /bin/ls'
   said 'The flash holds the firmware byte for byte'
   if inside root './demo /etc'; then fail "./demo took a directory"; fi
