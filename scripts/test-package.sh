@@ -49,6 +49,7 @@ echo "What dpkg does to real plug-ins:"
 chroot "$root" sh /steps/dpkg_test.sh /packages
 chroot "$root" sh -c 'dpkg -i /packages/*.deb' >/dev/null
 chroot "$root" sh /steps/simulator_test.sh /usr/bin/zvisp-simulator
+chroot "$root" sh /steps/line_test.sh /usr
 [ -z "$(find "$root/usr/libexec" -name 'display*')" ] ||
   { echo "a display was made in the installation"; exit 1; }
 chroot "$root" sh -c 'zvisp --resetmcu --comm 1' >"$root/said" || true

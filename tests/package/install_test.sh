@@ -29,15 +29,22 @@ done
 # Everything, as the README installs it.
 cmake --install "$build" --prefix "$prefix" >"$scratch/installed"
 grep -q "your plug-ins belong in $home" "$scratch/installed" || fail "$(cat "$scratch/installed")"
-# The lines that it gives for the shells: with them, each shell knows both commands.
+# The lines that it gives for the shells: with them, each shell knows all commands.
+commands="zvisp zvisp-simulator"
+functions="_zvisp _zvisp"
+if [ -e "$home/zvisp-line" ]; then
+  commands="$commands zvisp-line"
+  functions="$functions _zvisp-line"
+fi
 line_for() { sed -n "/completions in $1 need/{n;s/^-- *//p;}" "$scratch/installed"; }
 if command -v bash >/dev/null; then
-  bash -c "$(line_for bash); complete -p zvisp zvisp-simulator" >/dev/null ||
+  bash -c "$(line_for bash); complete -p $commands" >/dev/null ||
     fail "completions of bash"
 fi
 if command -v zsh >/dev/null; then
   [ "$(zsh -fc "$(line_for zsh); autoload -Uz compinit; compinit -uD
-    print \$_comps[zvisp] \$_comps[zvisp-simulator]")" = "_zvisp _zvisp" ] || fail "completions of zsh"
+    for name in $commands; do print -n \"\$_comps[\$name] \"; done")" = "$functions " ] ||
+    fail "completions of zsh"
 fi
 if command -v fish >/dev/null; then
   for name in zvisp zvisp-simulator; do
@@ -48,6 +55,8 @@ fi
 [ "$(cat "$home/PlugIn/libIsp.dylib")" = "a real plug-in" ] || fail "a real plug-in was replaced"
 [ "$(cat "$home/libSignVerify.dylib")" = "a real signer" ] || fail "a real signer was replaced"
 [ -f "$prefix/share/man/man1/zvisp-simulator.1" ] || fail "zvisp-simulator.1 was not installed"
+
+if [ -e "$home/zvisp-line" ]; then sh "$here/line_test.sh" "$prefix"; fi
 
 # The real directory counts, whatever links lead to it.
 sh "$here/simulator_test.sh" "$prefix/bin/zvisp-simulator"
