@@ -106,5 +106,5 @@ echo 'slow ms=150' >"$ZVISP_SIM_DIR/display-02.faults"
 echo "\$ zvisp-line run --readback --unit ZP1 --data $record -- --isp ${firmware[*]} --comm 2"
 build/bin/zvisp-line run --readback --unit ZP1 --data "$record" -- --isp "${firmware[@]}" --comm 2 ||
   fail "zvisp-line ended with status $?"
-echo "\$ zvisp-line journal show --data $record | grep -v progress"
-build/bin/zvisp-line journal show --data "$record" | grep -v progress
+echo "\$ zvisp-line journal show --data $record | grep -Ev 'progress|message'"
+build/bin/zvisp-line journal show --data "$record" | grep -Ev 'progress|message'
