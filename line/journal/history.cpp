@@ -30,11 +30,12 @@ enum class Kind : std::uint64_t {
   kEnded = 5
 };
 
+// By hashes: of the unit and of the job's name. kCovered: hash of a file's name, and how many of
+// its bytes are in the index.
 struct Entry {
   Kind kind;
-  std::uint64_t first;  // hash of the unit; kCovered: of the file's name
-  std::uint64_t
-      second;  // hash of the job's name; kCovered: bytes of the file that are in the index
+  std::uint64_t first;
+  std::uint64_t second;
 };
 static_assert(sizeof(Entry) == 24, "the index is read as it was written");
 

@@ -90,6 +90,9 @@ class StepRun {
   void Interrupt(std::uint64_t now_ms);
 
  private:
+  // A worker that was told to end gets SIGKILL after so long.
+  static constexpr std::uint64_t kGraceMs = 10000;
+
   enum class Stage { kJudging, kLocking, kRunning, kReadingBack, kRecording, kEnding, kDone };
 
   void Take(const Frame& frame);
@@ -100,6 +103,7 @@ class StepRun {
   void OnProgress(int percent);
   void OnMessage(const TextMessage& message);
   void OnResult(std::uint32_t code);
+  void AnswerCall(bool may);
   void OnActionResult(std::uint32_t code);
   void OnDumpResult(std::uint32_t code);
 
@@ -108,6 +112,7 @@ class StepRun {
   void DumpNextRange();
   void FinishReadBack(const ReadBack::Finding& finding);
   void Finish(const Verdict& verdict, std::optional<std::uint32_t> code);
+  void OnResultRecorded(bool on_disk);
   void EndWithoutStart(ExitStatus status);
   void EndWorker(Outcome why, std::uint64_t now_ms);
   Verdict WithoutResult(const ProcessEnd& end) const;
