@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
 // `journal doctor` and `journal resolve` after a run that failed, and a record of very many runs.
+#include <sys/resource.h>
+
 #include <algorithm>
-#include <chrono>
 #include <string>
 
 #include "line/support/line_tool.h"
@@ -104,17 +105,24 @@ class ALongRecord : public JournalOf {
            "}\n";
   }
 
-  // The shortest of a few starts.
+  // Of the processor, because other work of the machine does not count; the least of a few starts.
   double MillisecondsOfAStart() const {
-    double shortest = 1e9;
+    double least = 1e9;
     for (int i = 0; i < 5; ++i) {
-      const auto begin = std::chrono::steady_clock::now();
+      const double before = MillisecondsOfChildren();
       EXPECT_EQ(m_line.Run({"--resetmcu", "--comm", "4"}).status, 0);
-      const std::chrono::duration<double, std::milli> time =
-          std::chrono::steady_clock::now() - begin;
-      shortest = std::min(shortest, time.count());
+      least = std::min(least, MillisecondsOfChildren() - before);
     }
-    return shortest;
+    return least;
+  }
+
+  static double MillisecondsOfChildren() {
+    rusage usage = {};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto milliseconds = [](const timeval& time) {
+      return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
+    };
+    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
   }
 };
 

@@ -108,6 +108,15 @@ TEST_F(ReadBackOf, APlugInThatLiesAboutItsSuccessIsFound) {
   ExpectResult(RunCommand(command), 1, "different", "different", "65536");
 }
 
+TEST_F(ReadBackOf, ADisplayThatLiesAboutOneBitIsFoundByReadingBackAlone) {
+  m_line.AllDisplays().GivenFaults(3, "lie bank=2 bit=12\n");
+  EXPECT_EQ(m_line.Run(Programming("--isp")).status, 0);
+  const RunResult run = m_line.Run(Programming("--isp"), {"--readback"});
+  ExpectResult(run, 1, "different", "different", "131072");
+  EXPECT_EQ(FieldOf(EventOf(run.out, "result"), "bank"), "2");
+  EXPECT_EQ(FieldOf(EventOf(run.out, "result"), "address"), std::to_string(2 * kBank + 1));
+}
+
 TEST_F(ReadBackOf, AReadThatFailsLeavesTheDisplayProgrammed) {
   m_line.AllDisplays().GivenFaults(3, "fail call=2 code=0x77\n");
   const RunResult run = m_line.Run(Programming("--isp"), {"--readback"});

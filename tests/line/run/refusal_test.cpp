@@ -92,7 +92,8 @@ std::string Futile(const std::string& name) {
 }
 std::string FlagBytes(int count) {
   std::string bytes = "1";
-  for (int i = 1; i < count; ++i) bytes += ",1";
+  for (int i = 1; i < count; ++i)
+    bytes += ",1";
   return bytes;
 }
 
@@ -166,12 +167,11 @@ TEST_F(Refusal, EachHasItsSentenceAndTouchesNothing) {
 }
 
 TEST_F(Refusal, SentencesNameTheFilesInFull) {
-  ExpectRefused({"--isp", "--fw", "empty.bin"},
-                {"The firmware file " + (m_line / "empty.bin") +
-                 " is empty; give one that has bytes."});
-  ExpectRefused({"--isp", "--fw", "fw.bin", "--hw", "--boot", m_line / "empty.bin"},
-                {"The boot file " + (m_line / "empty.bin") +
-                 " is empty; give one that has bytes."});
+  ExpectRefused({"--isp", "--fw", "empty.bin"}, {"The firmware file " + (m_line / "empty.bin") +
+                                                 " is empty; give one that has bytes."});
+  ExpectRefused(
+      {"--isp", "--fw", "fw.bin", "--hw", "--boot", m_line / "empty.bin"},
+      {"The boot file " + (m_line / "empty.bin") + " is empty; give one that has bytes."});
   ExpectRefused({"--isp", "--fw", "/tmp"}, {"zvisp refuses its words: File open fail! /tmp"});
 }
 
@@ -230,9 +230,9 @@ TEST_F(Refusal, OfSerials) {
 }
 
 TEST_F(Refusal, AllowUnsignedLetsFilesThroughAndThePlanSaysSo) {
-  const RunResult plan = Plan({"--isp", "--fw", "fw.bin", "--fw2", "b.bin", "--bank2", "8", "--sw",
-                               "--dsmode", "4"},
-                              {"--allow-unsigned"});
+  const RunResult plan =
+      Plan({"--isp", "--fw", "fw.bin", "--fw2", "b.bin", "--bank2", "8", "--sw", "--dsmode", "4"},
+           {"--allow-unsigned"});
   EXPECT_EQ(plan.status, 0) << plan.out;
   EXPECT_THAT(EventOf(plan.out, "plan"),
               testing::HasSubstr("\"warnings\":[{\"id\":\"unsigned\",\"text\":\"No signature is "

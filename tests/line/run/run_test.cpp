@@ -67,6 +67,17 @@ TEST_F(RunOf, ACodeThatPromisesThatNothingWasWrittenKeepsTheState) {
                "uncertain");
 }
 
+// A display that was never there has another code than one that is lost in the middle of a bank.
+TEST_F(RunOf, ADisplayThatDoesNotAnswerIsUntouchedOrUncertain) {
+  const LineTool::Words promised = {"--nothing-written", "0x5A29"};
+  GivenFaults("no-answer\n");
+  ExpectResult(m_line.Run(Programming(), promised), 3, "unavailable", "untouched");
+  GivenFaults("no-answer bank=1 at=write\n");
+  const RunResult lost = m_line.Run(Programming(), promised);
+  ExpectResult(lost, 5, "failed", "uncertain");
+  EXPECT_EQ(FieldOf(EventOf(lost.out, "result"), "code_hex"), "0x5A30");
+}
+
 TEST_F(RunOf, AScalerTypeHasToBeTheExpectedOne) {
   const LineTool::Words words = {"--getscalertype", "--comm", "3"};
   ExpectResult(m_line.Run(words, {"--expect", "1"}), 0, "passed", "untouched");
