@@ -56,7 +56,7 @@ bool IsWanted(const Options& options, const RecordedEvent& event) {
 
 ExitStatus RunJournalShow(const Options& options, Session& session) {
   const std::string data = DataDirectory(options.data);
-  ForEachRecordLine(data, [&](const RecordLine& line) {
+  const std::string failure = ForEachRecordLine(data, [&](const RecordLine& line) {
     const std::optional<RecordedEvent> event = FromJsonLine(line.text);
     if (!event.has_value()) {
       if (line.is_ended) ReportSkipped(session, {std::string(line.file), line.number});
@@ -68,7 +68,7 @@ ExitStatus RunJournalShow(const Options& options, Session& session) {
     std::fputc('\n', stdout);
   });
   std::fflush(stdout);
-  return kExitPassed;
+  return failure.empty() ? kExitPassed : Fail(session, kExitUnavailable, "record", failure);
 }
 
 ExitStatus RunJournalDoctor(const Options& options, Session& session) {
@@ -77,7 +77,10 @@ ExitStatus RunJournalDoctor(const Options& options, Session& session) {
     ReportSkipped(session, line);
   for (const Doubt& doubt : report.doubts)
     session.Emit(doubt.where, doubt.finding);
-  return report.doubts.empty() ? kExitPassed : kExitUncertain;
+  // What cannot be read may name more displays than these.
+  if (!report.failure.empty()) Fail(session, kExitUnavailable, "record", report.failure);
+  if (!report.doubts.empty()) return kExitUncertain;
+  return report.failure.empty() ? kExitPassed : kExitUnavailable;
 }
 
 ExitStatus RunJournalResolve(const Options& options, Session& session) {
@@ -100,6 +103,7 @@ ExitStatus RunJournalResolve(const Options& options, Session& session) {
     if (is_recorded) return kExitPassed;
     return Fail(session, kExitNotRecorded, "record", journal->Failure());
   }
+  if (!report.failure.empty()) return Fail(session, kExitUnavailable, "record", report.failure);
   return Fail(session, kExitRefused, "run",
               "No display is in doubt because of run " + CleanText(options.run) +
                   "; zvisp-line journal doctor names the runs.");

@@ -138,9 +138,11 @@ DoctorReport Examination::Report(const std::string& data_directory,
 DoctorReport Examine(const std::string& data_directory,
                      const std::function<bool(std::uint32_t comm)>& is_free) {
   Examination examination;
-  ForEachRecordLine(data_directory,
-                    [&examination](const RecordLine& line) { examination.Read(line); });
-  return examination.Report(data_directory, is_free);
+  std::string failure = ForEachRecordLine(
+      data_directory, [&examination](const RecordLine& line) { examination.Read(line); });
+  DoctorReport report = examination.Report(data_directory, is_free);
+  report.failure = std::move(failure);
+  return report;
 }
 
 }  // namespace line

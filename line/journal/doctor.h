@@ -28,6 +28,7 @@ struct Doubt {
 struct DoctorReport {
   std::vector<Doubt> doubts;  // the oldest first
   std::vector<SkippedLine> skipped;
+  std::string failure;  // a sentence about what cannot be read of the record, or empty
 };
 
 // `is_free` says whether no process holds an interface (0: none was named).

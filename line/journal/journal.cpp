@@ -209,7 +209,7 @@ void Journal::Writer::Settle(const std::vector<QueuedLine>& batch, bool is_writt
 
 std::unique_ptr<Journal> Journal::Open(const std::string& data_directory, std::string& error) {
   if (data_directory.empty()) {
-    error = "The record has no directory: HOME is not set; name one with --data.";
+    error = kNoDataDirectory;
     return nullptr;
   }
   auto writer = std::make_unique<Writer>();

@@ -33,6 +33,10 @@ class Descriptor {
   int m_number = -1;
 };
 
+// The sentence about a data directory that nothing names.
+inline constexpr const char* kNoDataDirectory =
+    "The record has no directory: HOME is not set; name one with --data.";
+
 // The directory of the record's files, kept open with its lock file.
 class RecordFiles {
  public:

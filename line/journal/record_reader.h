@@ -26,9 +26,14 @@ class MappedFile {
   MappedFile& operator=(const MappedFile&) = delete;
 
   std::string_view Bytes() const { return m_bytes; }
+  // errno of a file that cannot be read; 0 for one that can, an empty one too.
+  int Failure() const { return m_failure; }
 
  private:
+  int Map(const std::string& path);
+
   std::string_view m_bytes;
+  int m_failure;
 };
 
 // One line, without its newline. The views are valid during the call alone.
@@ -39,8 +44,11 @@ struct RecordLine {
   bool is_ended = true;  // false for an unfinished last line
 };
 
-void ForEachRecordLine(const std::string& data_directory,
-                       const std::function<void(const RecordLine&)>& use);
+// One sentence about the first part of the record that cannot be read; empty when there is none.
+// The lines of the other parts are used all the same. A directory that is not there is an empty
+// record.
+std::string ForEachRecordLine(const std::string& data_directory,
+                              const std::function<void(const RecordLine&)>& use);
 
 // The type of a line's event, without parsing the line: empty when it does not look like one that
 // this program has written whole.

@@ -3,10 +3,14 @@
 // Which units the doctor names, from records as runs leave them.
 #include "line/journal/doctor.h"
 
+#include <unistd.h>
+
 #include <set>
 
 #include "journal/record_writer.h"
+#include "support/files.h"
 #include "support/scratch_dir.h"
+#include "support/unprivileged.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,6 +45,46 @@ TEST_F(DoctorTest, WithoutARecordNobodyIsNamed) {
   const DoctorReport report = Examine(m_directory / "none", [](std::uint32_t) { return true; });
   EXPECT_THAT(report.doubts, IsEmpty());
   EXPECT_THAT(report.skipped, IsEmpty());
+  EXPECT_EQ(report.failure, "");
+}
+
+TEST_F(DoctorTest, WhatCannotBeReadIsNoGoodNewsAndHidesNothingElse) {
+  RecordWriter record;
+  record.Programming("r1", "A", 1).Save(m_directory.Path());
+  const std::string second = GivenDirectory(m_directory / "journal/2026-11-20.jsonl");
+  EXPECT_THAT(Named(record), ElementsAre("A r1 programming"));
+  EXPECT_EQ(m_report.failure,
+            "The record " + second +
+                " cannot be read: Invalid argument; read it as an account that may, or name "
+                "another directory with --data.");
+  ASSERT_EQ(rmdir(second.c_str()), 0);
+  Named(record);
+  EXPECT_EQ(m_report.failure, "");
+}
+
+TEST_F(DoctorTest, ARecordOfAnotherAccountIsNotTakenForAnEmptyOne) {
+  SetMode(m_directory.Path(), 0755);
+  RecordWriter record;
+  record.Programming("r1", "A", 1).Save(m_directory.Path());
+  const auto can_read = [this] {
+    return AsOrdinaryUser([this] {
+      const DoctorReport report = Examine(m_directory.Path(), [](std::uint32_t) { return true; });
+      return report.failure.find("Permission denied") == std::string::npos ? 1 : 0;
+    });
+  };
+  SetMode(m_directory / "journal", 0755);
+  SetMode(m_directory / "journal/2026-11-21.jsonl", 0600);
+  EXPECT_EQ(can_read(), geteuid() == 0 ? 0 : 1);
+  SetMode(m_directory / "journal/2026-11-21.jsonl", 0000);
+  EXPECT_EQ(can_read(), 0);
+  SetMode(m_directory / "journal", 0000);
+  EXPECT_EQ(can_read(), 0);
+  SetMode(m_directory / "journal", 0755);
+}
+
+TEST_F(DoctorTest, WithoutANameOfTheDirectoryNothingIsKnown) {
+  EXPECT_THAT(Examine("", [](std::uint32_t) { return true; }).failure,
+              testing::HasSubstr("HOME is not set"));
 }
 
 TEST_F(DoctorTest, ARunWithoutAnEndIsNamed) {
