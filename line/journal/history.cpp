@@ -159,11 +159,18 @@ std::vector<Entry> Index::ReadWhatIsNew() {
   return entries;
 }
 
+// Not a link to another file, which would be emptied.
+bool IsOurs(int file) {
+  struct stat status = {};
+  return file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
+}
+
 UnitHistory Index::Ask() {
   const std::string path = RecordDirectory(m_data_directory) + "/units.index";
-  const Descriptor file(open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+  const Descriptor file(
+      open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
   // One process brings it up to date; another at the same time only reads on for itself.
-  const bool may_write = file.IsOpen() && flock(file.Number(), LOCK_EX | LOCK_NB) == 0;
+  const bool may_write = IsOurs(file.Number()) && flock(file.Number(), LOCK_EX | LOCK_NB) == 0;
   bool is_whole = false;
   {
     const MappedFile index(path);

@@ -37,20 +37,45 @@ std::string FileOf(std::uint32_t comm) {
   return Directory() + "/comm-" + std::to_string(comm);
 }
 
+// A link that somebody else has made leads to files that are none of ours: they would be made,
+// opened to everybody, or emptied.
+int WithoutLinks(int file) {
+  struct stat status = {};
+  if (file < 0 || (fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1)) {
+    return file;
+  }
+  close(file);
+  errno = EMLINK;
+  return -1;
+}
+
 // An existing file is opened without O_CREAT: the system refuses that flag for other users' files
 // in a directory like this.
-int OpenLockFile(const std::string& path) {
+int OpenIn(int directory, const std::string& name) {
   constexpr int kFlags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
   for (int i = 0; i < 2; ++i) {
-    int file = open(path.c_str(), O_RDWR | kFlags);
+    int file = openat(directory, name.c_str(), O_RDWR | kFlags);
     if (file < 0 && errno == ENOENT) {
-      file = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | kFlags, 0666);
+      file = openat(directory, name.c_str(), O_RDWR | O_CREAT | O_EXCL | kFlags, 0666);
       // Whatever the creator's umask is.
       if (file >= 0) static_cast<void>(fchmod(file, 0666));
     }
-    if (file >= 0 || errno != EEXIST) return file;
+    if (file >= 0 || errno != EEXIST) return WithoutLinks(file);
   }
   return -1;
+}
+
+// -1 with errno when the lock, or its directory, is not what this program has made.
+int OpenLockFile(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const int directory =
+      open(path.substr(0, slash).c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (directory < 0) return -1;
+  const int file = OpenIn(directory, path.substr(slash + 1));
+  const int reason = errno;
+  close(directory);
+  errno = reason;
+  return file;
 }
 
 bool IsLocked(const std::string& path) {
@@ -94,7 +119,7 @@ std::string AnyInterfaceInUse() {
 
 std::string NotAvailable(const std::string& path) {
   return "The lock " + path + " cannot be opened: " + std::strerror(errno) +
-         "; make its directory writable for every user (mode 1777).";
+         "; make its directory a real one that every user can write (mode 1777).";
 }
 
 }  // namespace

@@ -7,9 +7,13 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 #include <utility>
+
+#include "line/journal/record_reader.h"
 
 namespace line {
 
@@ -42,13 +46,12 @@ mode_t ModeOf(int descriptor) {
 }
 
 // Whoever may write into the directory may write the file: several accounts can share a record.
+// A link is not followed: one of the others may have made it.
 Descriptor OpenShared(int directory, const std::string& name, bool& created) {
-  const int made =
-      openat(directory, name.c_str(), O_RDWR | O_APPEND | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  constexpr int kFlags = O_RDWR | O_APPEND | O_CLOEXEC | O_NOFOLLOW;
+  const int made = openat(directory, name.c_str(), kFlags | O_CREAT | O_EXCL, 0600);
   created = made >= 0;
-  if (!created) {
-    return Descriptor(openat(directory, name.c_str(), O_RDWR | O_APPEND | O_CLOEXEC));
-  }
+  if (!created) return Descriptor(openat(directory, name.c_str(), kFlags));
   // Where rights cannot be set, the account that made the file keeps it for itself.
   static_cast<void>(fchmod(made, ModeOf(directory) & kFileRights));
   return Descriptor(made);
@@ -87,6 +90,24 @@ bool HasSpace(const std::string& directory, int descriptor, std::string& error) 
           " KiB free, less than the 16384 KiB that a run needs; make room, or name another "
           "directory with --data.";
   return false;
+}
+
+// "2026-11-21" of "2026-11-21.jsonl".
+bool IsDayFile(const std::string& name) {
+  constexpr std::string_view kShape = "dddd-dd-dd.jsonl";
+  return name.size() == kShape.size() &&
+         std::equal(name.begin(), name.end(), kShape.begin(), [](char character, char wanted) {
+           return wanted == 'd' ? character >= '0' && character <= '9' : character == wanted;
+         });
+}
+
+// Empty without any.
+std::string NewestDayIn(const std::string& data_directory) {
+  std::string newest;
+  for (const std::string& name : RecordFileNames(data_directory)) {
+    if (IsDayFile(name)) newest = name.substr(0, name.find('.'));
+  }
+  return newest;
 }
 
 }  // namespace
@@ -135,7 +156,15 @@ bool RecordFiles::Open(const std::string& data_directory, std::string& error) {
     error = CannotWrite(m_directory, Reason());
     return false;
   }
+  m_newest_day = NewestDayIn(data_directory);
   return HasSpace(m_directory, m_directory_descriptor.Number(), error);
+}
+
+// The order of the lines is the truth: when the clock was set back to an earlier day, a newer line
+// still has to come after the older ones.
+std::string RecordFiles::DayToWrite(const std::string& day) {
+  if (day > m_newest_day) m_newest_day = day;
+  return m_newest_day;
 }
 
 bool RecordFiles::TakeLock(std::string& error) {
@@ -156,21 +185,21 @@ Descriptor RecordFiles::OpenDay(const std::string& day, std::string& error) {
   return file;
 }
 
-bool RecordFiles::Append(const std::string& day, const std::string& lines, bool flush,
+bool RecordFiles::Append(const std::string& wanted_day, const std::string& lines, bool flush,
                          std::string& error) {
   if (!TakeLock(error)) return false;
+  const std::string day = DayToWrite(wanted_day);
   const Descriptor file = OpenDay(day, error);
   bool is_written = false;
   if (file.IsOpen()) {
     struct stat status = {};
-    is_written = fstat(file.Number(), &status) == 0 &&
-                 WriteAll(file.Number(),
-                          EndsInsideALine(file.Number(), status.st_size) ? "\n" + lines : lines);
-    if (!is_written) {
-      error = CannotWrite(m_directory + "/" + day + ".jsonl", Reason());
-      // Under the lock nobody else has appended meanwhile.
-      static_cast<void>(ftruncate(file.Number(), status.st_size) == 0);
-    }
+    const bool has_size = fstat(file.Number(), &status) == 0;
+    is_written =
+        has_size && WriteAll(file.Number(),
+                             EndsInsideALine(file.Number(), status.st_size) ? "\n" + lines : lines);
+    if (!is_written) error = CannotWrite(m_directory + "/" + day + ".jsonl", Reason());
+    // Under the lock nobody else has appended meanwhile.
+    if (!is_written && has_size) static_cast<void>(ftruncate(file.Number(), status.st_size) == 0);
   }
   flock(m_lock.Number(), LOCK_UN);
   if (!is_written) return false;

@@ -46,15 +46,18 @@ class RecordFiles {
   bool Open(const std::string& data_directory, std::string& error);
 
   // Appends whole lines to the file of a day ("2026-11-21") under the record's lock, after ending
-  // a line that another writer left unfinished; with `flush`, waits for the disk. False, with one
+  // a line that another writer left unfinished; with `flush`, waits for the disk. A day before the
+  // record's newest one counts as that one. False, with one
   // sentence in `error`, when not: nothing of the lines is in the file then, as far as it is known.
   bool Append(const std::string& day, const std::string& lines, bool flush, std::string& error);
 
  private:
+  std::string DayToWrite(const std::string& day);
   bool TakeLock(std::string& error);
   Descriptor OpenDay(const std::string& day, std::string& error);
 
   std::string m_directory;
+  std::string m_newest_day;
   Descriptor m_directory_descriptor;
   Descriptor m_lock;
 };

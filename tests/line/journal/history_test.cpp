@@ -85,6 +85,17 @@ TEST_F(HistoryTest, AnIndexThatDoesNotFitIsMadeAgain) {
   EXPECT_EQ(ReadWholeFile(IndexPath()), index);
 }
 
+TEST_F(HistoryTest, AnIndexThatIsALinkToAnotherFileIsLeftAlone) {
+  const std::string other = GivenFile(m_directory / "other", "theirs");
+  for (int (*const make)(const char*, const char*) : {symlink, link}) {
+    TwoRunsOfA().Save(m_directory.Path());
+    ASSERT_EQ(make(other.c_str(), IndexPath().c_str()), 0);
+    EXPECT_EQ(Attempts("A"), 2u);
+    EXPECT_EQ(ReadWholeFile(other), "theirs");
+    ASSERT_EQ(unlink(IndexPath().c_str()), 0);
+  }
+}
+
 TEST_F(HistoryTest, ARecordThatBecameShorterOrLostADayIsReadAgain) {
   TwoRunsOfA().Save(m_directory.Path());
   EXPECT_EQ(Attempts("A"), 2u);

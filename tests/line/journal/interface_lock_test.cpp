@@ -2,9 +2,12 @@
 #include "line/journal/interface_lock.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 
+#include "support/files.h"
 #include "support/scratch_dir.h"
 #include "support/unprivileged.h"
 
@@ -80,6 +83,23 @@ TEST_F(InterfaceLockOf, AnotherUserMeetsTheSameLocks) {
               return static_cast<int>(Take(other, {3, false}));
             }),
             static_cast<int>(Answer::kTaken));
+}
+
+TEST_F(InterfaceLockOf, LinksThatSomebodyMadeAreNotFollowed) {
+  const std::string other = GivenFile(m_scratch / "other", "theirs");
+  GivenDirectory(m_scratch / "locks");
+  InterfaceLock lock;
+  for (int (*const make)(const char*, const char*) : {symlink, link}) {
+    ASSERT_EQ(make(other.c_str(), (m_scratch / "locks/comm-3").c_str()), 0);
+    EXPECT_EQ(Take(lock, {3, false}), Answer::kNotAvailable);
+    EXPECT_EQ(ReadWholeFile(other), "theirs");
+    ASSERT_EQ(unlink((m_scratch / "locks/comm-3").c_str()), 0);
+  }
+  GivenDirectory(m_scratch / "elsewhere");
+  ASSERT_EQ(rename((m_scratch / "locks").c_str(), (m_scratch / "real").c_str()), 0);
+  ASSERT_EQ(symlink((m_scratch / "elsewhere").c_str(), (m_scratch / "locks").c_str()), 0);
+  EXPECT_EQ(Take(lock, {3, false}), Answer::kNotAvailable);
+  EXPECT_FALSE(FileExists(m_scratch / "elsewhere/comm-all"));
 }
 
 TEST_F(InterfaceLockOf, ADirectoryThatCannotBeUsedIsNotAvailable) {

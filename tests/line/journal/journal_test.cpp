@@ -23,6 +23,7 @@
 namespace line {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -83,6 +84,29 @@ TEST_F(JournalTest, TheNextWriterEndsATornLine) {
   ASSERT_THAT(lines, SizeIs(3));
   EXPECT_EQ(lines[1], "{\"v\":1,\"type\":\"sta");
   EXPECT_THAT(lines[2], HasSubstr("\"run\":\"r2\""));
+}
+
+TEST_F(JournalTest, AfterTheClockWasSetBackLinesStillComeLast) {
+  GivenDirectory(m_data);
+  GivenDirectory(m_data + "/journal");
+  const std::string later = GivenFile(m_data + "/journal/2026-11-22.jsonl", "");
+  GivenFile(m_data + "/journal/notes.jsonl", "");
+  GivenFile(m_data + "/journal/2026-11-2x.jsonl", "");
+  ASSERT_TRUE(Append(Programming("r1")));
+  EXPECT_FALSE(FileExists(m_data + kDay));
+  EXPECT_THAT(LinesOf(later), ElementsAre(HasSubstr("\"run\":\"r1\"")));
+}
+
+TEST_F(JournalTest, ALinkThatSomebodyMadeIsNotFollowed) {
+  GivenDirectory(m_data);
+  GivenDirectory(m_data + "/journal");
+  const std::string other = GivenFile(m_directory / "other", "theirs");
+  ASSERT_EQ(symlink(other.c_str(), (m_data + kDay).c_str()), 0);
+  EXPECT_FALSE(Append(Programming("r1")));
+  ASSERT_EQ(symlink(other.c_str(), (m_data + "/journal/new-lock").c_str()), 0);
+  ASSERT_EQ(rename((m_data + "/journal/new-lock").c_str(), (m_data + "/journal/lock").c_str()), 0);
+  EXPECT_EQ(Open(), nullptr);
+  EXPECT_EQ(ReadWholeFile(other), "theirs");
 }
 
 TEST_F(JournalTest, DirectoriesAreMadeForThisAccountAlone) {
