@@ -32,16 +32,21 @@ StopSignals::StopSignals() {
   action.sa_handler = NoteSignal;
   action.sa_flags = SA_RESTART;
   sigemptyset(&action.sa_mask);
+  sigset_t taken;
+  sigemptyset(&taken);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) {
+    sigaddset(&taken, signal);
     Kept kept = {signal, {}};
     sigaction(signal, nullptr, &kept.action);
     if (signal != SIGCHLD && kept.action.sa_handler == SIG_IGN) continue;
     sigaction(signal, &action, nullptr);
     m_kept.push_back(kept);
   }
+  pthread_sigmask(SIG_UNBLOCK, &taken, &m_blocked_before);
 }
 
 StopSignals::~StopSignals() {
+  pthread_sigmask(SIG_SETMASK, &m_blocked_before, nullptr);
   for (const Kept& kept : m_kept) {
     sigaction(kept.signal, &kept.action, nullptr);
   }

@@ -13,6 +13,7 @@ namespace line {
 class StopSignals {
  public:
   // Takes over SIGINT, SIGTERM, SIGHUP and SIGCHLD; one that was ignored stays so, as under nohup.
+  // Whoever started this process may have blocked them; without SIGCHLD no end would be noticed.
   StopSignals();
   // Gives them back.
   ~StopSignals();
@@ -30,6 +31,7 @@ class StopSignals {
     struct sigaction action;
   };
   std::vector<Kept> m_kept;
+  sigset_t m_blocked_before;
 };
 
 }  // namespace line
