@@ -16,6 +16,8 @@ int main(int argc, char** argv) {
   PrepareStandardStreams();
   // A reader that leaves must not end a run in the middle.
   std::signal(SIGPIPE, SIG_IGN);
+  // Nor the limit of a file's size: the write fails, and the status says so.
+  std::signal(SIGXFSZ, SIG_IGN);
   if (argc > 2 && std::strcmp(argv[1], line::kWorkerCommand) == 0) {
     return line::RunWorker(argc - 2, argv + 2);
   }

@@ -27,9 +27,9 @@ class ALostRecord : public testing::Test {
   RunResult RunWithLimit(std::size_t kib) const {
     Command run = m_line.Line("run", {}, {"--isp", "--fw", "fw.bin", "--comm", "3"});
     run.environment["ZVISP_BAD_PLUGIN"] = "succeed";
-    run.arguments.insert(run.arguments.begin(),
-                         {"-c", "trap '' XFSZ; ulimit -f " + std::to_string(kib) + "; exec \"$@\"",
-                          "bash", run.program});
+    run.arguments.insert(
+        run.arguments.begin(),
+        {"-c", "ulimit -f " + std::to_string(kib) + "; exec \"$@\"", "bash", run.program});
     run.program = "/bin/bash";
     run.name = "bash";
     return RunCommand(run);
@@ -51,6 +51,14 @@ class ALostRecord : public testing::Test {
 
   LineTool m_line;
 };
+
+// The limit ends nobody by its signal.
+TEST_F(ALostRecord, AFirmwareFileAboveTheLimitIsRefused) {
+  GivenFirmware(m_line / "fw.bin", 8 * kLimitUnit);
+  const RunResult run = RunWithLimit(4);
+  EXPECT_EQ(run.status, 2);
+  EXPECT_THAT(FieldOf(EventOf(run.out, "error"), "text"), testing::HasSubstr("File too large"));
+}
 
 // Wherever the record ends, the exit status and the state say it.
 TEST_F(ALostRecord, BeforeTheCallKeepsThePlugInFromBeingCalledAndAfterItIsStatusFour) {
