@@ -23,7 +23,7 @@ ExitStatus Fail(Session& session, ExitStatus status, const char* id, std::string
 
 void ReportSkipped(Session& session, const SkippedLine& line) {
   session.Emit({}, MessageEvent{Source::kTool, Level::kWarning,
-                                "The record has a line that is no event and was skipped: " +
+                                "The record has a line that is not an event and was skipped: " +
                                     line.file + ", line " + std::to_string(line.number) + ".",
                                 false});
 }

@@ -25,21 +25,21 @@ std::string ReadWhen(std::string& text) {
     text = std::to_string(i);
     return "";
   }
-  return text + " is none of auto, always and never";
+  return text + " is not one of auto, always and never";
 }
 
 std::string CheckSeconds(std::string& text) {
   char* end = nullptr;
   const double seconds = std::strtod(text.c_str(), &end);
   const bool is_number = !text.empty() && *end == '\0' && seconds >= 0 && seconds <= 1e9;
-  return is_number ? "" : text + " is no number of seconds";
+  return is_number ? "" : text + " is not a number of seconds";
 }
 
 std::string CheckCode(std::string& text) {
   char* end = nullptr;
   const unsigned long long code = std::strtoull(text.c_str(), &end, 0);
   const bool is_code = !text.empty() && *end == '\0' && text[0] != '-' && code <= 0xFFFFFFFF;
-  return is_code ? "" : text + " is no number from 0 to 0xFFFFFFFF";
+  return is_code ? "" : text + " is not a number from 0 to 0xFFFFFFFF";
 }
 
 // An option in the place of a value is a value that was forgotten, or an empty variable of a shell.
@@ -215,8 +215,8 @@ std::string Complaint(const CLI::ParseError& error, CLI::App& app, bool has_word
     const std::string text = error.what();
     return text.substr(0, text.find_last_not_of(".\n") + 1);
   }
-  if (needs_command) return strangers.front() + " is no command";
-  return strangers.front() + " is no option of " + command.get_name() +
+  if (needs_command) return strangers.front() + " is not a command";
+  return strangers.front() + " is not an option of " + command.get_name() +
          (has_words ? "" : "; the words of zvisp belong after \"--\"");
 }
 

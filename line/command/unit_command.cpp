@@ -110,7 +110,7 @@ ExitStatus UnitCommand::Prepare() {
     const std::optional<AddressRange> range = ParseAddressRange(text);
     if (!range) {
       return Report(m_session, kExitRefused, "ignore",
-                    "--ignore " + text + " is no range; give FIRST-LAST, as 0x1F0000-0x1FFFFF.");
+                    "--ignore " + text + " is not a range; give FIRST-LAST, as 0x1F0000-0x1FFFFF.");
     }
     m_ignored.push_back(*range);
   }

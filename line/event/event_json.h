@@ -26,7 +26,7 @@ struct RecordedEvent {
   std::string note, text;
 };
 
-// Nothing for a line that is no JSON object or has no type.
+// Nothing for a line that is not a JSON object or has no type.
 std::optional<RecordedEvent> FromJsonLine(std::string_view line);
 
 }  // namespace line

@@ -25,8 +25,9 @@ std::vector<const zvisp::OptionRow*> Candidates(std::string_view name) {
 }
 
 Refusal NoOption(const std::string& word) {
-  return {"not-an-option",
-          "The word " + word + " is no option of zvisp; remove it, or check how it is written."};
+  return {
+      "not-an-option",
+      "The word " + word + " is not an option of zvisp; remove it, or check how it is written."};
 }
 
 // What is wrong with a word that the scanner cannot read.

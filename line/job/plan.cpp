@@ -12,7 +12,7 @@
 #include "base/transform.h"
 #include "line/job/sha256.h"
 #include "line/job/strictness.h"
-#include "line/journal/record_file.h"
+#include "line/journal/descriptor.h"
 
 namespace line {
 

@@ -6,7 +6,7 @@
 
 #include "base/path.h"
 #include "line/job/sha256.h"
-#include "line/journal/record_file.h"
+#include "line/journal/descriptor.h"
 
 namespace line {
 

@@ -95,8 +95,8 @@ void RefuseEmptyFiles(const Question& question) {
     const std::string path = GetFileFullPath(entry.strFwPath.GetUtf8String(), "./");
     std::uint64_t bytes = 0;
     if (!zvisp::GetRegularFileSize(path, bytes)) {
-      question.Refuse("not-a-file",
-                      "The firmware " + path + " is no ordinary file that can be read; give one.");
+      question.Refuse("not-a-file", "The firmware " + path +
+                                        " is not an ordinary file that can be read; give one.");
     } else if (bytes == 0) {
       question.Refuse("empty-file",
                       "The firmware file " + path + " is empty; give one that has bytes.");
@@ -110,7 +110,7 @@ void RefuseBootPath(const Question& question) {
   if (path == nullptr) return;
   if (!IsAbsolutePath(*path)) {
     question.Refuse("boot-relative", "The boot file " + *path +
-                                         " would be looked for beside the executable; give its "
+                                         " would be looked for next to the executable; give its "
                                          "full path.");
   } else if (!zvisp::GetRegularFileSize(*path, bytes)) {
     question.Refuse("boot-missing",

@@ -66,7 +66,7 @@ std::size_t Characters(const std::string& text) {
   return CCpTransform().ConvertUTF8StringToUnicode(text).size();
 }
 
-// Whether a number keeps its value in 32 bits. A text that is no number is zvisp's to refuse.
+// Whether a number keeps its value in 32 bits. A text that is not a number is zvisp's to refuse.
 bool FitsAWord(const std::string& text) {
   char* end = nullptr;
   errno = 0;

@@ -76,7 +76,7 @@ void Examination::Touch(const RecordedEvent& event) {
   const auto known = std::find_if(runs.begin(), runs.end(), [&event](const TouchedRun& run) {
     return run.where.run == event.where.run;
   });
-  // A read-back that differs is no pass: what an earlier run left behind stays in doubt.
+  // A read-back that differs is not a pass: what an earlier run left behind stays in doubt.
   if (*event.state == UnitState::kUntouched || *event.state == UnitState::kDifferent) {
     if (known != runs.end()) runs.erase(known);
   } else if (!IsDoubtful(*event.state)) {

@@ -116,7 +116,7 @@ void Index::Count(const Entry& entry) {
   }
 }
 
-// False for what is no index.
+// False for what is not an index.
 bool Index::ReadIndex(std::string_view bytes) {
   if (bytes.size() < sizeof(Entry) || bytes.size() % sizeof(Entry) != 0) return false;
   if (std::memcmp(bytes.data(), &kFormat, sizeof kFormat) != 0) return false;

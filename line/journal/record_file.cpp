@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <cstring>
 #include <string_view>
-#include <utility>
 
 #include "line/journal/record_reader.h"
 
@@ -57,17 +56,6 @@ Descriptor OpenShared(int directory, const std::string& name, bool& created) {
   return Descriptor(made);
 }
 
-bool WriteAll(int descriptor, const std::string& bytes) {
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t count = write(descriptor, bytes.data() + written, bytes.size() - written);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    written += static_cast<std::size_t>(count);
-  }
-  return true;
-}
-
 bool EndsInsideALine(int descriptor, off_t size) {
   char last = '\n';
   return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
@@ -111,17 +99,6 @@ std::string NewestDayIn(const std::string& data_directory) {
 }
 
 }  // namespace
-
-Descriptor::~Descriptor() {
-  if (m_number >= 0) close(m_number);
-}
-
-Descriptor::Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-
-Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
-  std::swap(m_number, other.m_number);
-  return *this;
-}
 
 std::string RecordDirectory(const std::string& data_directory) {
   return data_directory + "/journal";

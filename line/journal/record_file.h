@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string>
 
+#include "line/journal/descriptor.h"
+
 namespace line {
 
 // Free space in bytes below which nothing starts.
@@ -14,24 +16,6 @@ inline constexpr std::uint64_t kNeededFreeBytes = 16 * 1024 * 1024;
 
 // The directory of the record's files in a data directory.
 std::string RecordDirectory(const std::string& data_directory);
-
-// A file's or directory's descriptor, closed at the end.
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int number) : m_number(number) {}
-  ~Descriptor();
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  Descriptor(Descriptor&& other) noexcept;
-  Descriptor& operator=(Descriptor&& other) noexcept;
-
-  int Number() const { return m_number; }
-  bool IsOpen() const { return m_number >= 0; }
-
- private:
-  int m_number = -1;
-};
 
 // The sentence about a data directory that nothing names.
 inline constexpr const char* kNoDataDirectory =

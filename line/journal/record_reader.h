@@ -54,7 +54,7 @@ std::string ForEachRecordLine(const std::string& data_directory,
 // this program has written whole.
 std::string_view TypeOfLine(std::string_view text);
 
-// A line that is no event.
+// A line that is not an event.
 struct SkippedLine {
   std::string file;
   std::uint64_t number = 0;

@@ -14,6 +14,8 @@
 #include <system_error>
 #include <vector>
 
+#include "line/journal/descriptor.h"
+
 namespace line {
 
 namespace {
@@ -29,20 +31,6 @@ constexpr const char* kLockName = "in-use";
 constexpr std::size_t kLongestName = 200;
 constexpr std::size_t kChunk = 256 * 1024;
 
-class Descriptor {
- public:
-  explicit Descriptor(int number) : m_number(number) {}
-  ~Descriptor() {
-    if (m_number >= 0) close(m_number);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return m_number; }
-
- private:
-  int m_number;
-};
-
 int LockOf(const std::string& directory, int flags) {
   const std::string path = directory + "/" + kLockName;
   return open(path.c_str(), O_RDWR | O_NOFOLLOW | O_CLOEXEC | flags, 0600);
@@ -52,7 +40,7 @@ int LockOf(const std::string& directory, int flags) {
 // ended. A directory without the file is being removed by somebody else.
 bool IsInUse(const std::string& directory) {
   const Descriptor lock(LockOf(directory, 0));
-  return lock.Get() < 0 || flock(lock.Get(), LOCK_EX | LOCK_NB) != 0;
+  return !lock.IsOpen() || flock(lock.Number(), LOCK_EX | LOCK_NB) != 0;
 }
 
 // What a command left that was killed before it had taken its lock.
@@ -109,24 +97,13 @@ ssize_t ReadFull(int file, char* buffer, std::size_t count, off_t offset) {
   return static_cast<ssize_t>(done);
 }
 
-bool WriteFull(int file, const char* bytes, std::size_t count) {
-  while (count > 0) {
-    const ssize_t written = write(file, bytes, count);
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes += written;
-    count -= static_cast<std::size_t>(written);
-  }
-  return true;
-}
-
 bool CopyBytesOf(int source, int target) {
   std::vector<char> chunk(kChunk);
   for (off_t offset = 0;;) {
     const ssize_t got = ReadFull(source, chunk.data(), chunk.size(), offset);
     if (got < 0) return false;
     if (got == 0) return true;
-    if (!WriteFull(target, chunk.data(), static_cast<std::size_t>(got))) return false;
+    if (!WriteAll(target, {chunk.data(), static_cast<std::size_t>(got)})) return false;
     offset += got;
   }
 }
@@ -151,22 +128,22 @@ std::string CopyFile(const std::string& source, const std::string& target) {
   // Without waiting for the other end of a FIFO.
   const Descriptor from(open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   struct stat before = {};
-  if (from.Get() < 0 || fstat(from.Get(), &before) != 0) {
+  if (!from.IsOpen() || fstat(from.Number(), &before) != 0) {
     return Because("Cannot open", source, "check the name and its permissions.");
   }
   if (!S_ISREG(before.st_mode)) {
     return source + " is not an ordinary file; give a file with the bytes in it.";
   }
   const Descriptor to(open(target.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-  if (to.Get() < 0 || !CopyBytesOf(from.Get(), to.Get())) {
+  if (!to.IsOpen() || !CopyBytesOf(from.Number(), to.Number())) {
     return Because("Cannot copy", source, "make room in /tmp.");
   }
   struct stat after = {};
-  if (!HaveSameBytes(from.Get(), to.Get()) || fstat(from.Get(), &after) != 0 ||
+  if (!HaveSameBytes(from.Number(), to.Number()) || fstat(from.Number(), &after) != 0 ||
       !SameVersion(before, after)) {
     return source + " changed while it was read; try again when nobody writes it.";
   }
-  static_cast<void>(fchmod(to.Get(), 0400));
+  static_cast<void>(fchmod(to.Number(), 0400));
   return "";
 }
 

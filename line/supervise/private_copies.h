@@ -27,7 +27,7 @@ class PrivateCopies {
   PrivateCopies& operator=(const PrivateCopies&) = delete;
 
   // The path of the copy of a file; a file is copied once. Empty, with a sentence in `error`, when
-  // it is no ordinary file, cannot be read, or changes while it is copied.
+  // it is not an ordinary file, cannot be read, or changes while it is copied.
   std::string CopyOf(const std::string& source, std::string& error);
 
   // The file whose lock says that the directory is in use, for the workers to keep open.

@@ -43,8 +43,8 @@ class WorkerProcess {
   void Send(const std::string& frame);
   void SendQueued();
 
-  // The frames that have come, without waiting. A socket that ends, or brings what is no frame, is
-  // closed.
+  // The frames that have come, without waiting. A socket that ends, or brings what is not a frame,
+  // is closed.
   std::vector<Frame> Receive();
   // What a worker that has ended left to be read.
   std::vector<Frame> ReceiveRest();

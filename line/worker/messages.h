@@ -210,7 +210,7 @@ std::string EncodeJudged(const JudgedWords& words);
 std::optional<JudgedWords> DecodeJudged(const Frame& frame);
 
 // A command setting without its unused bank entries, and back: UnpackSetting writes over zeroed
-// memory and returns false for bytes that are no such record.
+// memory and returns false for bytes that are not such a record.
 std::string PackSetting(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting);
 bool UnpackSetting(std::string_view bytes, STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& zeroed);
 

@@ -15,7 +15,7 @@ for file in "$prefix"/share/man/man1/zvisp-line.1* \
   [ -s "$file" ] || fail "$file was not installed"
 done
 [ "$(readlink "$prefix/bin/zvisp-line")" = ../libexec/zvisp/zvisp-line ] ||
-  fail "bin/zvisp-line is no link"
+  fail "bin/zvisp-line is not a link"
 line=$prefix/bin/zvisp-line
 version=$("$line" --version)
 case $version in

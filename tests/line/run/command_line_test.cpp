@@ -33,8 +33,8 @@ class CommandLineOf : public testing::Test {
 };
 
 TEST_F(CommandLineOf, AListTakesNoWordThatFollowsIt) {
-  ExpectRefused({"--nothing-written", "1,2", "3"}, "3 is no option of run");
-  ExpectRefused({"--ignore", "1-2", "3-4"}, "3-4 is no option of run");
+  ExpectRefused({"--nothing-written", "1,2", "3"}, "3 is not an option of run");
+  ExpectRefused({"--ignore", "1-2", "3-4"}, "3-4 is not an option of run");
   EXPECT_EQ(Run({"--ignore", "1-2", "--ignore", "3-4", "--readback"}).status, 0);
   EXPECT_EQ(Run({"--nothing-written", "1,2", "--nothing-written", "3"}).status, 0);
 }
@@ -52,11 +52,12 @@ TEST_F(CommandLineOf, AFlagTakesNoValue) {
 }
 
 TEST_F(CommandLineOf, WordsOfZvispWithoutTheDashesAreNamed) {
-  EXPECT_EQ(Say({"run", "--isp", "--fw", "fw.bin"}).err,
-            "zvisp-line: Command line: --isp is no option of run; the words of zvisp belong after "
-            "\"--\"; see zvisp-line --help.\n");
+  EXPECT_EQ(
+      Say({"run", "--isp", "--fw", "fw.bin"}).err,
+      "zvisp-line: Command line: --isp is not an option of run; the words of zvisp belong after "
+      "\"--\"; see zvisp-line --help.\n");
   EXPECT_EQ(Say({"flash"}).err,
-            "zvisp-line: Command line: flash is no command; see zvisp-line --help.\n");
+            "zvisp-line: Command line: flash is not a command; see zvisp-line --help.\n");
   EXPECT_EQ(Say({"journal"}).err,
             "zvisp-line: Command line: a command is missing; see zvisp-line --help.\n");
 }

@@ -53,7 +53,7 @@ TEST_F(AFullDisk, With16MiBFreeDoesNotKeepARunFromStarting) {
   EXPECT_EQ(RunCommand(Run()).status, 0);
 }
 
-// It is filled while the run waits for its interface, after it has looked at the space.
+// It is filled while the run waits for its interface, after it has checked the space.
 TEST_F(AFullDisk, BeforeTheCallIsStatusThreeAndTouchesNothing) {
   const SmallDisk disk(m_line.DataDirectory(), 20 * 1024);
   if (!disk.IsThere()) GTEST_SKIP() << kSkipped;

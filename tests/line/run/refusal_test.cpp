@@ -74,7 +74,7 @@ constexpr const char* kNoFlagAddress =
     "The bytes of --flagdata are not written without --flagaddr; add the address, or remove them.";
 
 std::string NoOption(const std::string& word) {
-  return "The word " + word + " is no option of zvisp; remove it, or check how it is written.";
+  return "The word " + word + " is not an option of zvisp; remove it, or check how it is written.";
 }
 std::string NoType(const std::string& name) {
   return "The option --" + name +
@@ -102,7 +102,7 @@ const RefusalRow kRows[] = {
   // what zvisp refuses itself
   {{},                                        {"zvisp refuses its words: Action type undefined or illegal!"}},
   {{"--isp", "--fw", "fw.bin", "--comm", "17"}, {"zvisp refuses its words: Parameter out of range! --comm 17"}},
-  // what the scanner complains about, and words that are no options
+  // what the scanner complains about, and words that are not options
   {{"--isp", "--fw", "fw.bin", "--frob"},     {NoOption("--frob")}},
   {{"--isp", "--fw", "fw.bin", "-x"},         {NoOption("-x")}},
   {{"--isp", "--fw", "fw.bin", "-"},          {NoOption("-")}},
@@ -139,7 +139,7 @@ const RefusalRow kRows[] = {
   {{"--ispuser", "--fw", "fw.bin", "--flagdata", "1"}, {kNoFlagAddress}},
   {{"--ispuser", "--fw", "fw.bin", "--flagaddr", "0", "--flagdata", FlagBytes(256)}, {"The option --flagdata has 256 bytes, more than the 255 that can be counted; give at most 255."}},
   // boot code
-  {{"--isp", "--fw", "fw.bin", "--hw", "--boot", "boot.bin"}, {"The boot file boot.bin would be looked for beside the executable; give its full path."}},
+  {{"--isp", "--fw", "fw.bin", "--hw", "--boot", "boot.bin"}, {"The boot file boot.bin would be looked for next to the executable; give its full path."}},
   {{"--isp", "--fw", "fw.bin", "--hw", "--boot", "/none/boot.bin"}, {"The boot file /none/boot.bin cannot be opened; give one that can be read."}},
   // actions
   {{"--erase"},               {Futile("erase")}},
@@ -194,14 +194,14 @@ TEST_F(Refusal, OfZvispLinesOwnOptions) {
   ExpectRefused(reset, {"The option --expect is for --getscalertype alone; remove it."},
                 {"--expect", "3"});
   ExpectRefused(reset,
-                {"Command line: --wait: soon is no number of seconds; see zvisp-line --help."},
+                {"Command line: --wait: soon is not a number of seconds; see zvisp-line --help."},
                 {"--wait", "soon"});
   ExpectRefused(reset,
-                {"Command line: --color: blue is none of auto, always and never; see zvisp-line "
+                {"Command line: --color: blue is not one of auto, always and never; see zvisp-line "
                  "--help."},
                 {"--color", "blue"});
   ExpectRefused(reset,
-                {"Command line: --nothing-written: x is no number from 0 to 0xFFFFFFFF; see "
+                {"Command line: --nothing-written: x is not a number from 0 to 0xFFFFFFFF; see "
                  "zvisp-line --help."},
                 {"--nothing-written", "1,x"});
 }
