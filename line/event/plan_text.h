@@ -11,7 +11,7 @@
 
 namespace line {
 
-// Without the warnings, which are for standard error. In the picture a letter stands for a file,
+// Without the warnings, which are for standard error. In the picture a letter is a file,
 // by the order of the slots, and "." for a bank that is left alone; it shows 256 banks, or 512
 // when a target is above 255.
 std::vector<std::string> PlanLines(const PlanEvent& plan);

@@ -87,7 +87,7 @@ void Pass::Step() {
   }
   if (m_only_words || word.size() < 3 || word.substr(0, 2) != "--") return Refuse(NoOption(word));
   const std::vector<const zvisp::OptionRow*> candidates = Candidates(NameIn(word));
-  // The scanner lists the names of an ambiguous word whatever it is told.
+  // The scanner lists the names of an ambiguous word whatever it is asked.
   if (candidates.size() != 1) return Refuse(WhyNot(word, candidates));
   int row = -1;
   m_scanner.ParseCmdLineEx(static_cast<int>(m_pointers.size()), m_pointers.data(), &row);

@@ -3,7 +3,7 @@
 // Finds in the record every unit that may be half-written.
 //
 // A unit is judged by its newest run that has touched it: a run that ended with the unit untouched
-// says nothing about what an earlier one left behind. A run whose interface is held at this moment
+// says nothing about what an earlier one left. A run whose interface is held at this moment
 // is still under way, and is left out.
 #ifndef ZVISP_LINE_JOURNAL_DOCTOR_H_
 #define ZVISP_LINE_JOURNAL_DOCTOR_H_

@@ -16,7 +16,7 @@ namespace line {
 
 class PrivateCopies {
  public:
-  // Removes what earlier commands of this user left behind, and makes the directory. Null, with a
+  // Removes what earlier commands of this user left, and makes the directory. Null, with a
   // sentence in `error`, when it cannot be made.
   static std::unique_ptr<PrivateCopies> Make(std::string& error);
 

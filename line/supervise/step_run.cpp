@@ -34,7 +34,7 @@ Phase PhaseOf(const CallTrace& trace, bool boot_code) {
 
 }  // namespace
 
-StepRun::StepRun(StepRequest request, Reporting reporting)
+StepRun::StepRun(StepRequest request, const Reporting& reporting)
     : m_request(std::move(request)), m_reporting(reporting) {}
 
 void StepRun::EmitError(std::string id, std::string text) {

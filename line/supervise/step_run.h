@@ -66,7 +66,7 @@ struct StepEnd {
 
 class StepRun {
  public:
-  StepRun(StepRequest request, Reporting reporting);
+  StepRun(StepRequest request, const Reporting& reporting);
 
   // Starts the worker. On failure the step is done.
   void Start();

@@ -16,7 +16,7 @@ namespace line {
 
 class Supervisor {
  public:
-  explicit Supervisor(Reporting reporting) : m_reporting(reporting) {}
+  explicit Supervisor(const Reporting& reporting) : m_reporting(reporting) {}
 
   // Starts the steps, and returns when all of them are done. The first signal of the operator
   // starts nothing new, and says so; the second one ends what runs. Two SIGHUP at once count as

@@ -15,7 +15,7 @@ namespace {
 #ifdef MSG_NOSIGNAL
 constexpr int kNoSignal = MSG_NOSIGNAL;
 #else
-constexpr int kNoSignal = 0;  // the socket itself is told so, see below
+constexpr int kNoSignal = 0;  // a send to the socket says so itself, see below
 #endif
 
 }  // namespace
@@ -34,7 +34,7 @@ bool ParentLink::SendRest(const char* bytes, std::size_t count, int flags) {
     if (sent < 0) return false;
     bytes += sent;
     count -= static_cast<std::size_t>(sent);
-    // A frame that was begun is finished, or the next one could not be told from its rest.
+    // A frame that was begun is finished, or the next one would look like its rest.
     flags = 0;
   }
   return true;

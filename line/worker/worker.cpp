@@ -218,6 +218,8 @@ void Work() noexcept {
 int RunWorker(int argc, char** argv) {
   signal(SIGPIPE, SIG_IGN);
   ParentLink parent(kWorkerSocket);
+  // Every way out of here ends the process.
+  // cppcheck-suppress danglingLifetime
   g_parent = &parent;
   // As in zvisp, whose process has one.
   const CZvComm comm;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The CRC-32 of zip, gzip and PNG files, which stands for the version of a firmware file.
+// The CRC-32 of zip, gzip and PNG files, used as the version of a firmware file.
 #ifndef ZVISP_SIMULATOR_DISPLAY_CRC32_H_
 #define ZVISP_SIMULATOR_DISPLAY_CRC32_H_
 

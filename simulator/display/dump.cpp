@@ -77,7 +77,7 @@ Outcome DumpRange(const Display& display, const STRUCT_DUMP_FLASH_SETTING& dump,
 
 Outcome DumpToFile(Display& display, const Setting& setting, const Host& host) {
   const auto path = ToUtf8(setting.stDumpFlash.wszDumpFile, kPathCapacity);
-  if (!path) return Refuse(Code::kIllegalRecord, "the name of the dump file is no text");
+  if (!path) return Refuse(Code::kIllegalRecord, "the name of the dump file is not a text");
   if (Outcome checked = CheckRange(setting.stDumpFlash); !checked.Ok()) return checked;
   return DumpRange(display, setting.stDumpFlash, *path, host);
 }

@@ -9,7 +9,7 @@
 namespace simulator {
 
 // The directory that the environment variable ZVISP_SIM_DIR names; when that is unset or empty,
-// "displays" beside the library that this code was linked into.
+// "displays" next to the library that this code was linked into.
 std::string HomeDirectory();
 
 // The path of a display's file: "<directory>/display-NN.<kind>", with NN the communication number.

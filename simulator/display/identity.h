@@ -19,8 +19,8 @@ struct Identity {
   std::uint32_t scaler_type = 1;                // "scaler_type"
 };
 
-// Reads the file's text. Refuses a line that is no pair, an unknown key and a scaler type that is
-// no number, with the line's number: a slip must not pass for a default.
+// Reads the file's text. Refuses a line that is not a pair, an unknown key and a scaler type that
+// is no number, with the line's number: a slip must not pass for a default.
 Outcome ParseIdentity(std::string_view text, Identity& identity);
 
 }  // namespace simulator

@@ -76,7 +76,7 @@ Outcome AddUserFlag(const Display& display, const STRUCT_FLAG_SETTING& flag, Pro
 Outcome ReadPaths(const STRUCT_C_STYLE_MAP_FW& map, std::vector<std::string>& paths) {
   for (std::uint32_t i = 0; i < map.ulCount; ++i) {
     const auto path = ToUtf8(map.stBank[i].wszPath, kPathCapacity);
-    if (!path) return Refuse(Code::kIllegalRecord, Format("the path of entry %u is no text", i));
+    if (!path) return Refuse(Code::kIllegalRecord, Format("the path of entry %u is not a text", i));
     paths.push_back(*path);
   }
   return Done();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What a display remembers between runs besides its flash.
+// What a display remembers between runs, apart from its flash.
 #ifndef ZVISP_SIMULATOR_DISPLAY_STATE_H_
 #define ZVISP_SIMULATOR_DISPLAY_STATE_H_
 

@@ -12,11 +12,11 @@
 
 namespace simulator {
 
-// The text of a fixed buffer as UTF-8. Nothing when no terminating zero stands within `capacity`
-// units, or when a unit is no character (a surrogate, or above 0x10FFFF).
+// The text of a fixed buffer as UTF-8. Nothing when there is no terminating zero within `capacity`
+// units, or when a unit is not a character (a surrogate, or above 0x10FFFF).
 std::optional<std::string> ToUtf8(const wchar_t* buffer, std::size_t capacity);
 
-// The other way, for messages. A byte that is no part of valid UTF-8 becomes U+FFFD.
+// The other way, for messages. A byte that is not part of valid UTF-8 becomes U+FFFD.
 std::wstring ToWide(std::string_view utf8);
 
 }  // namespace simulator

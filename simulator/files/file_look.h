@@ -21,7 +21,7 @@ inline bool IsOrdinaryFile(const struct stat& look) {
 
 // Whether both looks are at one file, by whatever names it was opened.
 bool IsSameFile(const struct stat& a, const struct stat& b);
-// Whether the file of this path is the one looked at. A path without a file is another one.
+// Whether the file of this path is the one that was checked. A path without a file is another one.
 bool IsFileAt(const std::string& path, const struct stat& look);
 
 // Whether one file was not changed between two looks at it. A change of its permissions or of its

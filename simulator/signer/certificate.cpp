@@ -95,7 +95,8 @@ bool ReadSubCertificate(const std::string& path, const VerifyKey& issuer, Verify
     return false;
   }
   const CertificateHandle certificate = Parse(der);
-  if (certificate == nullptr) return Refuse("the %s is no X.509 certificate in DER form", kRole);
+  if (certificate == nullptr)
+    return Refuse("the %s is not an X.509 certificate in DER form", kRole);
   const KeyHandle issuer_key = HandleOf(issuer);
   if (issuer_key == nullptr || X509_verify(certificate.get(), issuer_key.get()) != 1) {
     return Refuse("the %s is not signed by the verify key", kRole);

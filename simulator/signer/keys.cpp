@@ -19,7 +19,7 @@ using namespace std::string_view_literals;
 
 constexpr char kAlgorithm[] = "ED25519";
 
-// What stands before the 32 bytes in the DER form of a private and of a public Ed25519 key. Taking
+// What comes before the 32 bytes in the DER form of a private and of a public Ed25519 key. Taking
 // these alone, instead of parsing, leaves one form for each key.
 constexpr std::string_view kPrivatePrefix =
     "\x30\x2e\x02\x01\x00\x30\x05\x06\x03\x2b\x65\x70\x04\x22\x04\x20"sv;
@@ -30,7 +30,7 @@ struct FreeContext {
 };
 using ContextHandle = std::unique_ptr<EVP_MD_CTX, FreeContext>;
 
-// The 32 bytes of a key in DER; null, after printing why, when it is no Ed25519 key.
+// The 32 bytes of a key in DER; null, after printing why, when it is not an Ed25519 key.
 const unsigned char* KeyBytesOf(const char* role, const WipedBytes& der, std::string_view prefix) {
   if (der.Size() == prefix.size() + kKeyBytes && der.Text().substr(0, prefix.size()) == prefix) {
     return der.Data() + prefix.size();
@@ -101,7 +101,7 @@ bool ReadDeviceKey(const char* bytes, VerifyKey& key) {
   const char* const end = bytes + kDeviceKeyCapacity;
   const char* const text_end = std::find(bytes, end, '\0');
   if (std::any_of(text_end, end, [](char byte) { return byte != '\0'; })) {
-    return Refuse("the verify key of the device has something behind its end");
+    return Refuse("the verify key of the device has something after its end");
   }
   return DecodeVerifyKey("verify key of the device",
                          std::string_view(bytes, static_cast<std::size_t>(text_end - bytes)), key);

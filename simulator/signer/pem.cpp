@@ -85,7 +85,7 @@ bool DecodePem(const char* role, std::string_view text, std::string_view label, 
   std::string_view lines = text;
   if (!TakePrefix(lines, Frame("BEGIN", label))) {
     const std::string found = ShownLabel(text);
-    return Refuse("the %s is no PEM \"%.*s\"%s%s%s", role, static_cast<int>(label.size()),
+    return Refuse("the %s is not PEM text \"%.*s\"%s%s%s", role, static_cast<int>(label.size()),
                   label.data(), found.empty() ? "" : " but \"", found.c_str(),
                   found.empty() ? "" : "\"");
   }

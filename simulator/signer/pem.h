@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Strict PEM: one block, to the byte as the openssl command writes it. Text around the block, other
-// line lengths or line ends, stray bits in the last digit: all of it is refused, so that no bit of
+// line lengths or newlines, stray bits in the last digit: all of it is refused, so that no bit of
 // a key or certificate file can change unnoticed.
 #ifndef ZVISP_SIMULATOR_SIGNER_PEM_H_
 #define ZVISP_SIMULATOR_SIGNER_PEM_H_

@@ -9,7 +9,7 @@ namespace signer {
 // Prints why a request is refused. Always returns false, so that a check can end with it.
 [[gnu::format(printf, 1, 2)]] bool Refuse(const char* format, ...);
 
-// Prints something that the operator should know although the request goes on.
+// Prints something that the operator should know although the request continues.
 [[gnu::format(printf, 1, 2)]] void Note(const char* format, ...);
 
 }  // namespace signer

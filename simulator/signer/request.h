@@ -25,7 +25,7 @@ bool SignFirmware(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS& args);
 //                    was not given either, the next verify key file. The next verify key that the
 //                    signature binds must be the one in the next verify key file, if that was given
 // `device_key` is null or kDeviceKeyCapacity bytes. Returns false, after printing why, when the
-// firmware is not genuine or that cannot be told.
+// firmware is not genuine or that cannot be decided.
 bool VerifyFirmware(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS& args, const char* device_key);
 
 }  // namespace signer

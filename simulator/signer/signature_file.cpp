@@ -24,7 +24,7 @@ std::string Line(std::string_view title, std::string_view value) {
   return std::string(title) + std::string(value) + "\n";
 }
 
-// Takes the next line off the text and gives what stands behind its title.
+// Takes the next line off the text and gives what comes after its title.
 bool TakeLine(std::string_view& text, std::string_view title, std::string_view& value) {
   const std::size_t end = text.find('\n');
   if (end == std::string_view::npos || text.substr(0, title.size()) != title) return false;
@@ -78,7 +78,7 @@ bool ReadSignatureFile(const std::string& path, Signature& signature) {
   std::string_view text = content.Text();
   std::string_view version;
   if (!TakeLine(text, kTitle, version))
-    return Refuse("this is no signature file: %s", path.c_str());
+    return Refuse("this is not a signature file: %s", path.c_str());
   if (version != kVersion) {
     return Refuse("the signature file has another version than 1: %s", path.c_str());
   }

@@ -90,7 +90,8 @@ class ProfileEdit {
     } else if (line.compare(0, first_equals, change.wanted->key) == 0) {
       change.inside = false;
       change.written = true;
-      line = line.substr(0, line.rfind(kEquals) + 1) + change.wanted->value;
+      line.resize(line.rfind(kEquals) + 1);
+      line += change.wanted->value;
       Check(change, line);
     }
   }

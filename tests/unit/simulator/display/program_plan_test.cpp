@@ -86,7 +86,7 @@ TEST_F(ProgramPlanTest, APathThatIsNotEndedIsRefused) {
   std::fill(std::begin(path), std::end(path), L'p');
   const auto outcome = Plan();
   EXPECT_EQ(outcome.code, 0x5A22u);
-  EXPECT_EQ(outcome.why, "the path of entry 1 is no text");
+  EXPECT_EQ(outcome.why, "the path of entry 1 is not a text");
 }
 
 TEST_F(ProgramPlanTest, AFileThatIsNotThereOrTooShortIsRefused) {

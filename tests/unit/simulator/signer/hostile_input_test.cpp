@@ -83,8 +83,8 @@ TEST_F(HostileInput, RefusesPemThatIsWrittenInAnotherWay) {
     std::string text;
     const char* reason;
   } kCases[] = {
-      {"\n" + good, "the verify key is no PEM \"PUBLIC KEY\""},
-      {"key:\n" + good, "the verify key is no PEM \"PUBLIC KEY\""},
+      {"\n" + good, "the verify key is not PEM text \"PUBLIC KEY\""},
+      {"key:\n" + good, "the verify key is not PEM text \"PUBLIC KEY\""},
       {good + good, "the verify key is not written in the canonical PEM form"},
       {good + "\n", "the verify key is cut short, or has something after its PEM block"},
       {good.substr(0, 27) + digits.substr(0, 30) + "\n" + digits.substr(30) + end,
@@ -96,10 +96,11 @@ TEST_F(HostileInput, RefusesPemThatIsWrittenInAnotherWay) {
       {good.substr(0, 27) + end, "the verify key is not written in the canonical PEM form"},
       {good.substr(0, 27) + "====" + end,
        "the verify key is not written in the canonical PEM form"},
-      {good.substr(0, 25) + end, "the verify key is no PEM \"PUBLIC KEY\""},
-      {"-----BEGIN \033[31mKEY-----\n", "the verify key is no PEM \"PUBLIC KEY\""},
+      {good.substr(0, 25) + end, "the verify key is not PEM text \"PUBLIC KEY\""},
+      {"-----BEGIN \033[31mKEY-----\n", "the verify key is not PEM text \"PUBLIC KEY\""},
       {"-----BEGIN " + std::string(60000, 'A'),
-       "the verify key is no PEM \"PUBLIC KEY\" but \"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\""},
+       "the verify key is not PEM text \"PUBLIC KEY\" but "
+       "\"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\""},
   };
   for (const auto& [text, reason] : kCases) {
     Args args = VerifyRequest();

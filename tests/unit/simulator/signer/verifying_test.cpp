@@ -54,7 +54,7 @@ TEST_F(Verifying, RefusesVerifyKeysOfAnotherKind) {
   }
   Args args = VerifyRequest();
   Put(args.szVerifyKeyFile, Key("sign.key"));
-  ExpectRefusal(args, "the verify key is no PEM \"PUBLIC KEY\" but \"PRIVATE KEY\"");
+  ExpectRefusal(args, "the verify key is not PEM text \"PUBLIC KEY\" but \"PRIVATE KEY\"");
 }
 
 TEST_F(Verifying, ATrainingKeyPairVerifiesOnlyItsOwnSignatures) {
@@ -95,7 +95,7 @@ TEST_F(Verifying, RefusesSubCertificatesThatProveNothing) {
       {"encipher.crt", "the sub-certificate may not be used for signatures"},
       {"critical.crt", "the sub-certificate may not be used for signatures"},
       {"ec.crt", "the sub-certificate certifies a key of another kind, not Ed25519"},
-      {"root.pub", "the sub-certificate is no PEM \"CERTIFICATE\" but \"PUBLIC KEY\""},
+      {"root.pub", "the sub-certificate is not PEM text \"CERTIFICATE\" but \"PUBLIC KEY\""},
   };
   for (const auto& [file, reason] : kCases)
     ExpectRefusal(CertifiedRequest(file), reason);
@@ -133,7 +133,7 @@ TEST_F(Verifying, RefusesACertificateBlockThatHoldsNoCertificate) {
   GivenSignatureOf("line");
   Args args = CertifiedRequest("line.crt");
   GivenFile(args.szSubCertFile, "-----BEGIN CERTIFICATE-----\nMAA=\n-----END CERTIFICATE-----\n");
-  ExpectRefusal(args, "the sub-certificate is no X.509 certificate in DER form");
+  ExpectRefusal(args, "the sub-certificate is not an X.509 certificate in DER form");
 }
 
 TEST_F(Verifying, TheDevicesKeyVerifiesASignatureThatBindsTheNextOne) {
@@ -149,13 +149,13 @@ TEST_F(Verifying, TheDevicesKeyVerifiesASignatureThatBindsTheNextOne) {
 TEST_F(Verifying, RefusesADeviceKeyThatIsNone) {
   GivenSignatureWithNextKey();
   const std::string text = ReadWholeFile(Key("sign.pub"));
-  constexpr const char* kNoPem = "the verify key of the device is no PEM \"PUBLIC KEY\"";
+  constexpr const char* kNoPem = "the verify key of the device is not PEM text \"PUBLIC KEY\"";
   DeviceKey empty("");
   ExpectRefusal(Request(1, 4), kNoPem, empty.bytes);
   DeviceKey full(std::string(1220, 'x'));
   ExpectRefusal(Request(1, 4), kNoPem, full.bytes);
   DeviceKey followed(text + std::string(1, '\0') + "x");
-  ExpectRefusal(Request(1, 4), "the verify key of the device has something behind its end",
+  ExpectRefusal(Request(1, 4), "the verify key of the device has something after its end",
                 followed.bytes);
 }
 
@@ -221,7 +221,7 @@ TEST_F(Verifying, RefusesSignatureFilesOfAnotherForm) {
     const char* reason;
   } kCases[] = {
       {"", "the signature file is empty: @/fw.sig"},
-      {"hello\n", "this is no signature file: @/fw.sig"},
+      {"hello\n", "this is not a signature file: @/fw.sig"},
       {"Zorvane firmware signature 2" + body,
        "the signature file has another version than 1: @/fw.sig"},
       {"Zorvane firmware signature 01" + body,
