@@ -20,7 +20,7 @@ struct Identity {
 };
 
 // Reads the file's text. Refuses a line that is not a pair, an unknown key and a scaler type that
-// is no number, with the line's number: a slip must not pass for a default.
+// is not a number, with the line's number: a slip must not pass for a default.
 Outcome ParseIdentity(std::string_view text, Identity& identity);
 
 }  // namespace simulator
