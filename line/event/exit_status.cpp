@@ -17,8 +17,10 @@ constexpr ExitStatus kByWeight[] = {
 }  // namespace
 
 ExitStatus Weightier(ExitStatus left, ExitStatus right) {
-  return *std::find_if(std::begin(kByWeight), std::end(kByWeight),
-                       [&](ExitStatus status) { return status == left || status == right; });
+  const auto rank = [](ExitStatus status) {
+    return std::find(std::begin(kByWeight), std::end(kByWeight), status);
+  };
+  return rank(left) <= rank(right) ? left : right;
 }
 
 }  // namespace line
