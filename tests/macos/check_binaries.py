@@ -25,9 +25,13 @@ SIGN_EXPORTS = {"SignFwExport", "VerifySignatureExport"}
 # The names that the linker itself defines in every library and program; they bind to nothing.
 LINKER_EXPORTS = {"__mh_dylib_header", "__mh_execute_header", "___dso_handle"}
 
+# Type information of function types, which no flag hides: nothing looks it up by name.
+FUNCTION_TYPES = re.compile(r"__ZT[IS]P?F")
+
 # file, whether it must be there, libraries it may use, exports
 FILES = (
     ("zvisp", True, {SYSTEM, ICONV}, set()),
+    ("zvisp-line", False, {SYSTEM, ICONV}, set()),
     ("PlugIn/libIsp.dylib", True, {SYSTEM}, {"_" + name for name in ISP_EXPORTS}),
     ("libSignVerify.dylib", False, {SYSTEM}, {"_" + name for name in SIGN_EXPORTS}),
 )
@@ -47,7 +51,8 @@ def output_of(*command):
 
 def exports_of(path):
     trie = output_of(tool("llvm-objdump"), "--macho", "--exports-trie", str(path))
-    return set(re.findall(r"^0x[0-9A-Fa-f]+\s+(\S+)", trie, re.M)) - LINKER_EXPORTS
+    names = set(re.findall(r"^0x[0-9A-Fa-f]+\s+(\S+)", trie, re.M)) - LINKER_EXPORTS
+    return {name for name in names if not FUNCTION_TYPES.match(name)}
 
 
 def slice_faults(path, cpu, libraries, exports):
