@@ -2,6 +2,7 @@
 //
 // journal show, doctor and resolve.
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -47,6 +48,17 @@ std::string InWords(const RecordedEvent& event) {
   return text;
 }
 
+// A mistyped --data must not look like a record in which every display is well.
+bool IsMissing(const Options& options, Session& session) {
+  std::error_code ignored;
+  if (options.data.empty() || std::filesystem::exists(options.data + "/journal", ignored)) {
+    return false;
+  }
+  Fail(session, kExitUnavailable, "record",
+       "There is no record in " + CleanText(options.data) + "; check --data.");
+  return true;
+}
+
 bool IsWanted(const Options& options, const RecordedEvent& event) {
   return (options.unit.empty() || event.where.unit == options.unit) &&
          (options.run.empty() || event.where.run == options.run);
@@ -55,6 +67,7 @@ bool IsWanted(const Options& options, const RecordedEvent& event) {
 }  // namespace
 
 ExitStatus RunJournalShow(const Options& options, Session& session) {
+  if (IsMissing(options, session)) return kExitUnavailable;
   const std::string data = DataDirectory(options.data);
   const std::string failure = ForEachRecordLine(data, [&](const RecordLine& line) {
     const std::optional<RecordedEvent> event = FromJsonLine(line.text);
@@ -72,6 +85,7 @@ ExitStatus RunJournalShow(const Options& options, Session& session) {
 }
 
 ExitStatus RunJournalDoctor(const Options& options, Session& session) {
+  if (IsMissing(options, session)) return kExitUnavailable;
   const DoctorReport report = Examine(DataDirectory(options.data), IsInterfaceFree);
   for (const SkippedLine& line : report.skipped)
     ReportSkipped(session, line);

@@ -34,6 +34,13 @@ TEST_F(UnreadableRecord, IsNotAvailable) {
               HasSubstr("2026-01-01.jsonl cannot be read: "));
 }
 
+TEST_F(UnreadableRecord, ThatIsNotThereIsNotAvailable) {
+  const RunResult doctor = m_line.Doctor();
+  EXPECT_EQ(doctor.status, 3);
+  EXPECT_EQ(FieldOf(EventOf(doctor.out, "error"), "text"),
+            "There is no record in " + m_line.DataDirectory() + "; check --data.");
+}
+
 TEST_F(UnreadableRecord, ADisplayInDoubtCountsForMore) {
   m_line.AllDisplays().GivenFaults(3, "fail bank=1\n");
   ASSERT_EQ(m_line.Run({"--isp", "--fw", "fw.bin", "--comm", "3"}).status, 5);
