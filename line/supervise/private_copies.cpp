@@ -29,7 +29,7 @@ constexpr const char* kNewPrefix = "zvisp-line-new-";
 constexpr const char* kLockName = "in-use";
 // A bank entry's path has 256 units; of the directories of a copy at most 40 are taken.
 constexpr std::size_t kLongestName = 200;
-constexpr std::size_t kChunk = 256 * 1024;
+constexpr std::size_t kChunk = std::size_t{256} * 1024;
 
 int LockOf(const std::string& directory, int flags) {
   const std::string path = directory + "/" + kLockName;
@@ -190,7 +190,7 @@ std::string PrivateCopies::CopyOf(const std::string& source, std::string& error)
     error = Because("Cannot make", directory, "make room in /tmp.");
     return "";
   }
-  const std::string target = directory + "/" + name;
+  std::string target = directory + "/" + name;
   error = CopyFile(source, target);
   if (!error.empty()) return "";
   m_copies[source] = target;

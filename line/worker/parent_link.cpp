@@ -63,9 +63,8 @@ std::optional<Frame> ParentLink::Receive() {
 
 bool ParentLink::IsGoneWithin(int milliseconds) const {
   pollfd entry = {m_socket, POLLIN, 0};
-  if (poll(&entry, 1, milliseconds) <= 0) return false;
   // The parent says nothing now, so whatever is there to be read is the end.
-  return true;
+  return poll(&entry, 1, milliseconds) > 0;
 }
 
 bool ParentLink::IsParentsChild() const {
