@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The bank map of ten firmware files beside what no counting can do without: opening each file and
+// The bank map of ten firmware files next to what no counting can do without: opening each file and
 // asking for its size. Ten files of 25 banks make a map of 250; ten sparse files of 2 GiB are only
 // counted, because a map of so many banks is refused.
 #include <fcntl.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Reading the last key of a settings file beside inih on the same file. Both open and read the file
+// Reading the last key of a settings file next to inih on the same file. Both open and read the file
 // for each key, which is the life of a profile: another program may have changed it in between. No
 // line has a blank, at which the narrow family stops for good.
 #include "settings/profile.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// UTF-8 to wide text and back beside iconv itself, opened and closed for each text as the tool
+// UTF-8 to wide text and back next to iconv itself, opened and closed for each text as the tool
 // does: a path that is plain ASCII, and one that is not.
 #include "base/transform.h"
 

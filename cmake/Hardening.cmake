@@ -4,7 +4,7 @@
 include(CheckLinkerFlag)
 include(CheckPIESupported)
 
-# Debian's compiler makes position-independent executables unasked; others have to be told.
+# Debian's compiler makes position-independent executables unasked; others must be asked to.
 check_pie_supported(LANGUAGES C CXX)
 
 target_compile_options(zvisp_product INTERFACE

@@ -68,7 +68,7 @@ int WriteNarrow(const Entry& entry) {
                                         entry.value.c_str(), File().c_str());
 }
 
-// Text that stands in a line as it is: no blanks, nothing with a meaning of its own.
+// Text that is in a line as it is: no blanks, nothing with a meaning of its own.
 bool IsPlainName(const std::string& text) {
   return !text.empty() && text.size() < kLongestPlainText && IsPlain(text) &&
          text.find_first_of(" =[]") == std::string::npos;

@@ -4,7 +4,7 @@
 //
 // Promises: what converts, converts back; cut texts are terminated and begin as the whole one
 // does; split pieces hold no delimiter and join to the text; numbers agree with the C library;
-// and relative and absolute paths are told apart as the first characters say.
+// and relative and absolute paths differ by their first characters.
 #include <algorithm>
 #include <cerrno>
 #include <climits>

@@ -6,7 +6,7 @@
 //   software mode, training key pair, verify key file, next verify key file, the device's key,
 //   signature type
 //
-// A key is 0 for none, 1 for the house's, 2 for another one, 3 for a text that is no key.
+// A key is 0 for none, 1 for the house's, 2 for another one, 3 for a text that is not a key.
 //
 // Promise: what is accepted is genuine, and what is genuine is accepted. What is genuine is said a
 // second time here, from the description of the format and with libcrypto alone.

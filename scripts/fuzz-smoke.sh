@@ -5,7 +5,7 @@
 #   scripts/fuzz-smoke.sh [seconds [target...]]
 #
 # First without sanitizers, which is many times faster, for the promises. What that finds to be of
-# interest then runs with the sanitizers, and goes on to be changed for half the time.
+# interest then runs with the sanitizers, and continues to be changed for half the time.
 #
 # Prints a line for each target and build: inputs run, inputs a second, branches reached, result.
 # Ends with 1 when one broke, after naming the input that did it, and with 77 when the compiler is

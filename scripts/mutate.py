@@ -181,7 +181,7 @@ def source_files(folders):
 
 
 def known_equivalents():
-    """Pairs of file and changed line, without what stands behind the sign #."""
+    """Pairs of file and changed line, without what comes after the sign #."""
     text = (ROOT / "scripts" / "mutants-equivalent.txt").read_text()
     rows = [row.split(": ", 1) for row in text.splitlines() if row and not row.startswith("#")]
     return {(path, line.strip()) for path, line in rows}

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Looks for slips without running anything: format, scripts, cppcheck and clang-tidy. Ends non-zero
-# with the findings of the first tool that has any. A wrong finding is silenced where it stands,
-# with the reason beside it.
+# with the findings of the first tool that has any. A wrong finding is silenced where it is,
+# with the reason next to it.
 #
 #   scripts/static-analysis.sh
 set -euo pipefail

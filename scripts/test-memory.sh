@@ -8,7 +8,7 @@
 # sanitizers: everything is built with clang and libc++, the standard library of macOS, and tested
 # under the address, leak and undefined-behaviour sanitizers. The first finding ends the program
 # that it is in, and so fails its test. Nothing of ours is suppressed: a plug-in that stays loaded
-# until the end is still reachable, which is no leak. Left out are tests that run none of it.
+# until the end is still reachable, which is not a leak. Left out are tests that run none of it.
 #
 # valgrind: the tool as it ships runs under valgrind in a selection of the end-to-end tests, above
 # all for values that nobody set, which the sanitizers do not see. What they do see is not repeated:

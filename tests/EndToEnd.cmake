@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Tests that run the shipped executable with plug-ins of their own beside it.
+# Tests that run the shipped executable with plug-ins of their own next to it.
 set(ZVISP_TEST_PLUGIN_DIR ${CMAKE_BINARY_DIR}/tests/plugins)
 set(test_plugins)
 

@@ -15,7 +15,7 @@ endif()
 
 # The oldest system is named in the triple because Zig heeds it nowhere else:
 # -mmacosx-version-min and MACOSX_DEPLOYMENT_TARGET change nothing.
-# -O2 stands here so that the checks of the configuration and the project itself share one
+# -O2 is here so that the checks of the configuration and the project itself share one
 # build of libc++, which Zig makes once for each level of optimisation.
 set(zvisp_target -target ${ZVISP_MACOS_CPU}-macos.11.0 -O2)
 set(CMAKE_C_COMPILER ${zvisp_zig} cc ${zvisp_target})
@@ -30,7 +30,7 @@ foreach(tool IN ITEMS AR RANLIB NM STRIP OBJDUMP INSTALL_NAME_TOOL)
   find_program(CMAKE_${tool} NAMES ${name} ${name}-14 REQUIRED)
 endforeach()
 
-# Room behind the load commands: codesign adds one, and without room for it overwrites the start
+# Room after the load commands: codesign adds one, and without room for it overwrites the start
 # of the code. The result then verifies, and crashes.
 foreach(kind IN ITEMS EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-Wl,-headerpad,0x1000")

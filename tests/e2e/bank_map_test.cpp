@@ -2,7 +2,7 @@
 //
 // Firmware files and start banks into the record's map of banks, and every refusal on the way.
 //
-// The map stands at offset 72 of the record: the count, 256 target banks from 76, and from 1104 on
+// The map is at offset 72 of the record: the count, 256 target banks from 76, and from 1104 on
 // 256 entries of 1056 bytes with the bank inside the file at 8 and the path at 12.
 #include <sys/stat.h>
 #include <unistd.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The scanning of a command line: its diagnostics on standard error, what standard output says of
-// them, and that a run goes on where it should.
+// them, and that a run continues where it should.
 #include "support/end_to_end.h"
 #include "support/record_offsets.h"
 

@@ -160,7 +160,7 @@ TEST_F(FaultMatrix, EveryActionOfTheDeviceRefusesAPluginThatLacksARequiredCall) 
   }
 }
 
-// The machine of an ELF library stands at bytes 18 and 19; 0xF3 is one that no test runs on.
+// The machine of an ELF library is at bytes 18 and 19; 0xF3 is one that no test runs on.
 std::string ForOtherMachine(std::string library) {
   library.at(18) = '\xF3';
   library.at(19) = '\0';
@@ -201,7 +201,7 @@ TEST_F(FaultMatrix, ADirectoryInThePlaceOfThePluginIsRefused) {
 struct BehaviourRow {
   const char* what;
   std::map<std::string, std::string> wishes;  // for the recording plug-in
-  std::string printed;                        // behind the banner
+  std::string printed;                        // after the banner
   int status;
   int signal;
 };
@@ -219,7 +219,7 @@ const BehaviourRow kBehaviours[] = {
      3,
      0},
     {"prints lines", {{"PRINT", "one\ntwo\n"}}, "one\ntwo\n"s + kSuccess, 0, 0},
-    {"prints without a line end", {{"PRINT", "..."}}, "..."s + kSuccess, 0, 0},
+    {"prints without a newline", {{"PRINT", "..."}}, "..."s + kSuccess, 0, 0},
     {"prints much",
      {{"PRINT", std::string(100000, 'x')}},
      std::string(100000, 'x') + kSuccess,
@@ -264,7 +264,7 @@ TEST_F(FaultMatrix, AShellSeesTheSignalOfACrashedPlugin) {
 // Ways to the executable.
 class Start : public FaultMatrix {
  protected:
-  // Runs --isp on a relative file; expects the plug-in and the settings file beside the real
+  // Runs --isp on a relative file; expects the plug-in and the settings file next to the real
   // executable and the file in the working directory.
   void ExpectWholeRun(Command command) {
     command.arguments.insert(command.arguments.end(), {"--isp", "--fw", "a.bin"});
@@ -340,7 +340,7 @@ TEST_F(Start, WithoutTheUsualVariables) {
   ExpectWholeRun(command);
 }
 
-// Locales, and whether a name that is not ASCII can be told to the loader in them.
+// Locales, and whether a name that is not ASCII can be handed to the loader in them.
 struct LocaleRow {
   const char* what;
   std::map<std::string, std::optional<std::string>> variables;

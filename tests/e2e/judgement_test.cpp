@@ -157,7 +157,7 @@ TEST_F(Judgement, SixteenMergeBytesAndTheLongestI2cListAreAccepted) {
   ExpectRejected({"--i2cwrite", "--writedata", bytes + ",1"}, "");
 }
 
-// The bytes of --write are taken only where --mergefwinfo stands before it.
+// The bytes of --write are taken only where --mergefwinfo comes before it.
 TEST_F(Judgement, MergeBytesBeforeTheirActionAreNotLookedAt) {
   ExpectRun({"--write", "nonsense", "--mergefwinfo"}, kBanner + FailLine("0x6"), 6);
 }

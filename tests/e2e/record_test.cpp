@@ -32,7 +32,7 @@ const FieldRow kFieldRows[] = {
   {{"--resetmcu", "--comm", " +7"},                                    15, {{24, 7}}},
   {{"--resetmcu", "--comm", "3", "--comm", "4"},                       15, {{24, 4}}},
   {{"--resetmcu", "--comm", ""},                                       15, {}},
-  // bAutoSlaveAddr and ucSlaveAddr, with the padding behind it
+  // bAutoSlaveAddr and ucSlaveAddr, with the padding after it
   {{"--resetmcu", "--slave", "0"},                                     15, {}},
   {{"--resetmcu", "--slave", ""},                                      15, {}},
   {{"--resetmcu", "--slave", "1"},                                     15, {{32, 0}, {36, 1}}},

@@ -31,7 +31,7 @@ build() {
 build
 sh "$check" "$scratch/victim"
 
-# expect_refusal COMPLAINT WHAT: of the victim as it stands.
+# expect_refusal COMPLAINT WHAT: of the victim as it is.
 expect_refusal() {
   if sh "$check" "$scratch/victim" 2>"$scratch/said"; then
     echo "accepted in spite of $2" >&2

@@ -23,7 +23,7 @@ for file in libexec/zvisp/zvisp libexec/zvisp/PlugIn/README share/man/man1/zvisp
     include/zvisp/plugin/zvisp_plugin.h share/cmake/zvisp/zvispConfig.cmake; do
   [ -f "$prefix/$file" ] || fail "$file was not installed"
 done
-[ "$(readlink "$prefix/bin/zvisp")" = ../libexec/zvisp/zvisp ] || fail "bin/zvisp is no link"
+[ "$(readlink "$prefix/bin/zvisp")" = ../libexec/zvisp/zvisp ] || fail "bin/zvisp is not a link"
 [ ! -e "$prefix/bin/zvisp-simulator" ] || fail "the tool brings the simulator along"
 
 # Everything, as the README installs it.

@@ -26,7 +26,7 @@ class Validator : public EndToEnd {
 
 struct Row {
   Words words;
-  const char* message;  // without "Digital signature: " and the line end
+  const char* message;  // without "Digital signature: " and the newline
 };
 
 // clang-format off

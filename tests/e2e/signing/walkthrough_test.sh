@@ -11,7 +11,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 mkdir "$scratch/bin" "$scratch/work"
 
-# In the tool's place stands a script that runs it and notes the action and its result.
+# In the tool's place is a script that runs it and notes the action and its result.
 cat > "$scratch/bin/zvisp" <<END
 #!/bin/sh
 status=0

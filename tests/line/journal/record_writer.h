@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Records as runs leave them behind, written line by line.
+// Records as runs leave them, written line by line.
 #ifndef ZVISP_TESTS_LINE_JOURNAL_RECORD_WRITER_H_
 #define ZVISP_TESTS_LINE_JOURNAL_RECORD_WRITER_H_
 

@@ -72,7 +72,7 @@ class ALongRecord : public JournalOf {
   static constexpr int kRuns = 100000;
   static constexpr int kRunsOfADay = 1000;
 
-  // What each of so many runs left behind, a thousand a day.
+  // What each of so many runs left, a thousand a day.
   void GivenRuns(int runs) const {
     for (int first = 0; first < runs; first += kRunsOfADay) {
       std::string lines;
