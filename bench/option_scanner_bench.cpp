@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The option scanner next to the C library's getopt_long: the tool's own option table, and a command
-// line as an operator types it. Both sides register their options and scan to the end each time.
+// The option scanner next to the C library's getopt_long: the tool's own option table, and a
+// command line as an operator types it. Both sides register their options and scan to the end each
+// time.
 #include "cmdline/option_scanner.h"
 
 #include <getopt.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Reading the last key of a settings file next to inih on the same file. Both open and read the file
-// for each key, which is the life of a profile: another program may have changed it in between. No
-// line has a blank, at which the narrow family stops for good.
+// Reading the last key of a settings file next to inih on the same file. Both open and read the
+// file for each key, which is the life of a profile: another program may have changed it in
+// between. No line has a blank, at which the narrow family stops for good.
 #include "settings/profile.h"
 
 #include <unistd.h>
