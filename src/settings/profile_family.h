@@ -45,7 +45,7 @@ struct NarrowFamily {
   static std::string FileName(const char* name) { return name; }
   static bool CanBeWritten(const char* /*text*/) { return true; }
 
-  static bool ReadsBack(const std::string& line) { return line.find('\n') == line.npos; }
+  static bool ReadsBack(const std::string& line) { return line.find('\n') == std::string::npos; }
 
   static ProfileInput Get(std::FILE* file, char& unit);
   static void Put(std::FILE* file, char unit);
