@@ -205,6 +205,12 @@ CLI::App& Innermost(CLI::App& app) {
   return inner.empty() ? app : Innermost(*inner.front());
 }
 
+// The words that start this command, such as "zvisp-line journal resolve".
+std::string WordsOf(const CLI::App& app) {
+  const CLI::App* const parent = app.get_parent();
+  return parent == nullptr ? app.get_name() : WordsOf(*parent) + " " + app.get_name();
+}
+
 // What is wrong with a command line. The library ends some of its sentences itself.
 std::string Complaint(const CLI::ParseError& error, CLI::App& app, bool has_words) {
   const std::vector<std::string> strangers = app.remaining(true);
@@ -244,7 +250,7 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
     return TextOf(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {
     parsed.text = "Command line: " + Complaint(error, grammar.App(), end != arguments.end()) +
-                  "; see zvisp-line --help.";
+                  "; see " + WordsOf(Innermost(grammar.App())) + " --help.";
     // The printer of a refusal is chosen by these two, wherever the mistake is.
     options.json = std::find(arguments.begin(), end, "--json") != end;
     options.quiet = std::find(arguments.begin(), end, "--quiet") != end;

@@ -70,7 +70,7 @@ void RefuseUnsignedFiles(const Question& question) {
   if (!ProgramsUnsignedFiles(question.scan, question.judged)) return;
   question.Refuse("unsigned",
                   "The signature covers the file of --fw alone, and other files are programmed as "
-                  "well; sign them apart, or let them through with --allow-unsigned.");
+                  "well; program each alone as --fw, or let them through with --allow-unsigned.");
 }
 
 void RefuseLostFlag(const Question& question) {

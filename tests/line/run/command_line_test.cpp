@@ -24,7 +24,8 @@ class CommandLineOf : public testing::Test {
   void ExpectRefused(const LineTool::Words& options, const std::string& sentence) const {
     const RunResult run = Run(options);
     EXPECT_EQ(run.status, 2) << run.out;
-    EXPECT_THAT(run.out, HasSubstr("\"Command line: " + sentence + "; see zvisp-line --help.\""));
+    EXPECT_THAT(run.out,
+                HasSubstr("\"Command line: " + sentence + "; see zvisp-line run --help.\""));
     EXPECT_FALSE(FileExists(m_line.AllDisplays().File(3, "journal")));
   }
   RunResult Say(const LineTool::Words& words) const { return RunCommand(m_line.LineOf(words)); }
@@ -55,11 +56,13 @@ TEST_F(CommandLineOf, WordsOfZvispWithoutTheDashesAreNamed) {
   EXPECT_EQ(
       Say({"run", "--isp", "--fw", "fw.bin"}).err,
       "zvisp-line: Command line: --isp is not an option of run; the words of zvisp belong after "
-      "\"--\"; see zvisp-line --help.\n");
+      "\"--\"; see zvisp-line run --help.\n");
   EXPECT_EQ(Say({"flash"}).err,
             "zvisp-line: Command line: flash is not a command; see zvisp-line --help.\n");
   EXPECT_EQ(Say({"journal"}).err,
-            "zvisp-line: Command line: a command is missing; see zvisp-line --help.\n");
+            "zvisp-line: Command line: a command is missing; see zvisp-line journal --help.\n");
+  EXPECT_EQ(Say({"journal", "resolve"}).err,
+            "zvisp-line: Command line: RUN is required; see zvisp-line journal resolve --help.\n");
 }
 
 TEST_F(CommandLineOf, HelpNamesTheProgramAndWhatFollowsEachOption) {

@@ -44,14 +44,26 @@ class Refusal : public testing::Test {
 
   void ExpectRefused(const Words& words, const std::vector<std::string>& sentences,
                      const Words& options = {}) const {
-    for (const RunResult& run : {m_line.Run(words, options), Plan(words, options)}) {
-      EXPECT_EQ(run.status, 2);
-      EXPECT_EQ(run.err, "");
-      EXPECT_EQ(SentencesOf(run), sentences);
-      EXPECT_EQ(FieldOf(EventOf(run.out, "end"), "exit_status"), "2");
-      EXPECT_EQ(EventsOf(run.out, "error").size() + 1, CountLines(run.out));
+    ExpectSentences(m_line.Run(words, options), sentences);
+    ExpectSentences(Plan(words, options), sentences);
+    ExpectNothingTouched();
+  }
+
+  // Both commands refuse these options of their own, and each points to its own help.
+  void ExpectComplaint(const Words& options, const std::string& complaint) const {
+    for (const char* const command : {"run", "plan"}) {
+      ExpectSentences(RunCommand(m_line.Line(command, options, {"--resetmcu"})),
+                      {"Command line: " + complaint + "; see zvisp-line " + command + " --help."});
     }
     ExpectNothingTouched();
+  }
+
+  void ExpectSentences(const RunResult& run, const std::vector<std::string>& sentences) const {
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(SentencesOf(run), sentences);
+    EXPECT_EQ(FieldOf(EventOf(run.out, "end"), "exit_status"), "2");
+    EXPECT_EQ(EventsOf(run.out, "error").size() + 1, CountLines(run.out));
   }
 
   RunResult Plan(const Words& words, const Words& options = {}) const {
@@ -134,7 +146,7 @@ const RefusalRow kRows[] = {
   {{"--isp", "--fw", "fw.bin", "--subcert", "c"},    {NoType("subcert")}},
   {{"--isp", "--fw", "fw.bin", "--nextvkfile", "v"}, {NoType("nextvkfile")}},
   {{"--isp", "--fw", "fw.bin", "--sw", "--factory", "--dsmode", "4"}, {"With --factory the signature of --sw is not checked; remove one of the two."}},
-  {{"--isp", "--fw", "fw.bin", "--fw2", "b.bin", "--bank2", "8", "--sw", "--dsmode", "4"}, {"The signature covers the file of --fw alone, and other files are programmed as well; sign them apart, or let them through with --allow-unsigned."}},
+  {{"--isp", "--fw", "fw.bin", "--fw2", "b.bin", "--bank2", "8", "--sw", "--dsmode", "4"}, {"The signature covers the file of --fw alone, and other files are programmed as well; program each alone as --fw, or let them through with --allow-unsigned."}},
   // flags
   {{"--ispuser", "--fw", "fw.bin", "--flagdata", "1"}, {kNoFlagAddress}},
   {{"--ispuser", "--fw", "fw.bin", "--flagaddr", "0", "--flagdata", FlagBytes(256)}, {"The option --flagdata has 256 bytes, more than the 255 that can be counted; give at most 255."}},
@@ -190,20 +202,12 @@ TEST_F(Refusal, AllThatIsWrongIsSaidAtOnce) {
 }
 
 TEST_F(Refusal, OfZvispLinesOwnOptions) {
-  const Words reset = {"--resetmcu"};
-  ExpectRefused(reset, {"The option --expect is for --getscalertype alone; remove it."},
+  ExpectRefused({"--resetmcu"}, {"The option --expect is for --getscalertype alone; remove it."},
                 {"--expect", "3"});
-  ExpectRefused(reset,
-                {"Command line: --wait: soon is not a number of seconds; see zvisp-line --help."},
-                {"--wait", "soon"});
-  ExpectRefused(reset,
-                {"Command line: --color: blue is not one of auto, always and never; see zvisp-line "
-                 "--help."},
-                {"--color", "blue"});
-  ExpectRefused(reset,
-                {"Command line: --nothing-written: x is not a number from 0 to 0xFFFFFFFF; see "
-                 "zvisp-line --help."},
-                {"--nothing-written", "1,x"});
+  ExpectComplaint({"--wait", "soon"}, "--wait: soon is not a number of seconds");
+  ExpectComplaint({"--color", "blue"}, "--color: blue is not one of auto, always and never");
+  ExpectComplaint({"--nothing-written", "1,x"},
+                  "--nothing-written: x is not a number from 0 to 0xFFFFFFFF");
 }
 
 TEST_F(Refusal, OfSerials) {
@@ -215,9 +219,9 @@ TEST_F(Refusal, OfSerials) {
     return SentencesOf(result);
   };
   EXPECT_THAT(run(""), testing::ElementsAre("Command line: --unit: the text is blank; see "
-                                            "zvisp-line --help."));
+                                            "zvisp-line run --help."));
   EXPECT_THAT(run("  "), testing::ElementsAre("Command line: --unit: the text is blank; see "
-                                              "zvisp-line --help."));
+                                              "zvisp-line run --help."));
   EXPECT_THAT(run(std::string(129, 'z')),
               testing::ElementsAre("The serial of --unit has 129 bytes, more than 128; give the "
                                    "display's own."));
