@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "support/end_to_end.h"
+#include "support/record_offsets.h"
 
 namespace {
 
@@ -46,7 +47,8 @@ TEST_F(SafeProgramming, ALongPathNeverProgramsAnotherFileThanTheVerifiedOne) {
     ExpectRun(SignedIsp(verified), kBanner + FailLine("0x4003"), 3);
     EXPECT_THAT(m_tool.TakeCallLines(), ElementsAre(kCallbacks, kVerified)) << bytes;
     ExpectSuccess({"--isp", "--fw", verified});
-    EXPECT_EQ(m_tool.TakeRecord().Wide(1116), verified.substr(0, 256)) << "cut as ever";
+    EXPECT_EQ(m_tool.TakeRecord().Wide(setting_at::wszPath), verified.substr(0, 256))
+        << "cut as ever";
   }
   ExpectSuccess(SignedIsp(GivenFirmware(LongPath(256), 65536)));
   EXPECT_THAT(m_tool.TakeCallLines(), ElementsAre(kCallbacks, kVerified, "IspFlash"));

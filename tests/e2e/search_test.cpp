@@ -11,6 +11,7 @@
 #include "support/files.h"
 #include "support/installation.h"
 #include "support/record_bytes.h"
+#include "support/record_offsets.h"
 #include "support/scratch_dir.h"
 #include "support/unprivileged.h"
 
@@ -18,13 +19,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-// Where the record holds the fields that a search decides.
-constexpr std::size_t kSearchGiven = 40;
-constexpr std::size_t kBankCount = 72;
-constexpr std::size_t kFirstPath = 1116;
-constexpr std::size_t kSecondPath = 2172;
-constexpr std::size_t kSettingFilePath = 274008;
 
 const std::string kRejected = "argument is illegal.\n";
 
@@ -50,9 +44,9 @@ class Search : public testing::Test {
     const RunResult result = Run(mode);
     EXPECT_THAT(result.out, testing::HasSubstr("Success")) << mode;
     const RecordBytes record = m_tool.TakeRecord();
-    EXPECT_EQ(record.U32(kSearchGiven), 1u);
-    EXPECT_EQ(record.U32(kBankCount), 1u);
-    EXPECT_EQ(record.Wide(kFirstPath), m_tool / name);
+    EXPECT_EQ(record.U32(setting_at::bSearchFw), 1u);
+    EXPECT_EQ(record.U32(setting_at::ulCount), 1u);
+    EXPECT_EQ(record.Wide(setting_at::wszPath), m_tool / name);
   }
 
   // The command line is refused with this output, and no plug-in is called.
@@ -75,7 +69,7 @@ TEST_F(Search, AutoTakesTheOnlyFirmwareOfTheWorkingDirectory) {
 TEST_F(Search, AutoTakesOneOfSeveral) {
   GivenFirmwareFiles({"a.bin", "b.bin"});
   EXPECT_THAT(Run("auto").out, testing::HasSubstr("Success"));
-  EXPECT_THAT(m_tool.TakeRecord().Wide(kFirstPath),
+  EXPECT_THAT(m_tool.TakeRecord().Wide(setting_at::wszPath),
               testing::AnyOf(m_tool / "a.bin", m_tool / "b.bin"));
 }
 
@@ -93,8 +87,8 @@ TEST_F(Search, PrefixTakesTheOnlyMatchAndTellsThePluginTheSettingsFile) {
   GivenSettings("[ISP_Fw]\nstrFwPrefix=main\n");
   EXPECT_THAT(Run("prefix").out, testing::HasSubstr("Success"));
   const RecordBytes record = m_tool.TakeRecord();
-  EXPECT_EQ(record.Wide(kFirstPath), m_tool / "main_1.bin");
-  EXPECT_EQ(record.Wide(kSettingFilePath), m_tool.ToolDir() + "IspSetting.ini");
+  EXPECT_EQ(record.Wide(setting_at::wszPath), m_tool / "main_1.bin");
+  EXPECT_EQ(record.Wide(setting_at::wszSettingFilePath), m_tool.ToolDir() + "IspSetting.ini");
 }
 
 TEST_F(Search, PrefixWorksWithNamesThatAreNotAscii) {
@@ -108,9 +102,9 @@ TEST_F(Search, PrefixReadsTheSettingsFileNamedBeforeIt) {
   GivenSettings("[ISP_Fw]\nstrFwPrefix=a\n");
   GivenFile(m_tool.ToolDir() + "my.ini", "[ISP_Fw]\nstrFwPrefix=b\n");
   m_tool.Run({"--isp", "--settingfile", "my.ini", "--searchfw", "prefix"});
-  EXPECT_EQ(m_tool.TakeRecord().Wide(kFirstPath), m_tool / "b.bin");
+  EXPECT_EQ(m_tool.TakeRecord().Wide(setting_at::wszPath), m_tool / "b.bin");
   m_tool.Run({"--isp", "--searchfw", "prefix", "--settingfile", "my.ini"});
-  EXPECT_EQ(m_tool.TakeRecord().Wide(kFirstPath), m_tool / "a.bin");
+  EXPECT_EQ(m_tool.TakeRecord().Wide(setting_at::wszPath), m_tool / "a.bin");
 }
 
 TEST_F(Search, PrefixRefusesWithTheReason) {
@@ -196,8 +190,8 @@ TEST(SearchOfManyFiles, AHundredThousandFilesAreSearchedInOneRun) {
   GivenFile(tool.ToolDir() + "IspSetting.ini", "[ISP_Fw]\nstrFwPrefix=fw_x\n");
   EXPECT_THAT(tool.Run({"--isp", "--searchfw", "prefix"}).out, testing::HasSubstr("Success"));
   const RecordBytes record = tool.TakeRecord();
-  EXPECT_EQ(record.U32(kBankCount), 2u);
-  EXPECT_EQ(record.Wide(kSecondPath), tool / "fw_x.bin");
+  EXPECT_EQ(record.U32(setting_at::ulCount), 2u);
+  EXPECT_EQ(record.Wide(setting_at::wszPath + setting_at::kEntryBytes), tool / "fw_x.bin");
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "support/files.h"
 #include "support/printed.h"
 #include "support/record_bytes.h"
+#include "support/record_offsets.h"
 #include "support/scratch_dir.h"
 
 #include <gtest/gtest.h>
@@ -21,14 +22,6 @@
 class CommandLineTest : public testing::Test {
  protected:
   CommandLineTest() { GivenFreshParser(); }
-
-  // Offsets of the settings record.
-  static constexpr std::size_t kAction = 0;
-  static constexpr std::size_t kBankCount = 72;
-  static constexpr std::size_t kFirstTargetBank = 76;
-  static constexpr std::size_t kFirstPath = 1116;
-  static constexpr std::size_t kSettingFilePath = 274008;
-  static constexpr std::size_t kBootFwPath = 275048;
 
   void GivenFreshParser() {
     m_parser = std::make_unique<CCpIspArgsParse>();

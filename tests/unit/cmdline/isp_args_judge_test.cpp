@@ -20,14 +20,6 @@ constexpr std::uint32_t kIsp = 0x8;
 
 class IspArgsJudge : public CommandLineTest {
  protected:
-  // Offsets of the signature record.
-  static constexpr std::size_t kSignAction = 0;
-  static constexpr std::size_t kSignType = 4;
-  static constexpr std::size_t kSwMode = 8;
-  static constexpr std::size_t kHwMode = 12;
-  static constexpr std::size_t kFwFile = 20;
-  static constexpr std::size_t kSignatureFile = 280;
-
   static STRUCT_CP_ISP_CMD_ARGS Action(std::uint32_t bits) {
     STRUCT_CP_ISP_CMD_ARGS args;
     args.ulActionBits = bits;
@@ -54,7 +46,7 @@ class IspArgsJudge : public CommandLineTest {
     STRUCT_CP_ISP_CMD_ARGS args = Action(kErase);
     args.strSettingFile = text;
     EXPECT_EQ(Judge(args), 1);
-    EXPECT_EQ(Setting().Wide(kSettingFilePath), path);
+    EXPECT_EQ(Setting().Wide(setting_at::wszSettingFilePath), path);
     EXPECT_EQ(Setting().U32(setting_at::wszSettingFilePath + 4 * 259), 0u) << "the last unit";
   }
 };
@@ -129,10 +121,11 @@ TEST_F(IspArgsJudge, AHardwareModeHasItsOwnRangeAndField) {
                 "Parameter out of range! --dsmode 3 \nDigital signature mode is illegal!\n");
   GivenSlot("a.bin");
   EXPECT_EQ(Judge(Signature(kIsp, 2, "2")), 1);
-  EXPECT_EQ(SignArgs().U32(kHwMode), 2u);
-  EXPECT_EQ(SignArgs().U32(kSwMode), 0u);
-  EXPECT_EQ(SignArgs().U32(kSignType), 2u);
-  EXPECT_EQ(SignArgs().U32(kSignAction), 0u) << "a hardware signature is not verified here";
+  EXPECT_EQ(SignArgs().U32(sign_at::enumHwMode), 2u);
+  EXPECT_EQ(SignArgs().U32(sign_at::enumSwMode), 0u);
+  EXPECT_EQ(SignArgs().U32(sign_at::enumSignatureType), 2u);
+  EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 0u)
+      << "a hardware signature is not verified here";
   EXPECT_EQ(Setting().U32(setting_at::enumDigitalSignatureType), 2u);
   EXPECT_EQ(m_out, "");
 }
@@ -145,13 +138,13 @@ TEST_F(IspArgsJudge, SigningReturnsTheVerdictAndJudgesNothingElse) {
   args.strSlave = "junk";
   EXPECT_EQ(Judge(args), 1);
   EXPECT_EQ(m_out, "");
-  EXPECT_EQ(SignArgs().U32(kSignAction), 1u);
-  EXPECT_EQ(SignArgs().U32(kSwMode), 2u);
-  EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin");
-  EXPECT_EQ(SignArgs().Narrow(kSignatureFile), m_scratch / "a.bin.sig");
+  EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 1u);
+  EXPECT_EQ(SignArgs().U32(sign_at::enumSwMode), 2u);
+  EXPECT_EQ(SignArgs().Narrow(sign_at::szFwFile), m_scratch / "a.bin");
+  EXPECT_EQ(SignArgs().Narrow(sign_at::szSignatureFile), m_scratch / "a.bin.sig");
   EXPECT_EQ(Setting().U32(setting_at::enumSWDigitalSignatureMode), 2u);
   EXPECT_EQ(Setting().I32(setting_at::bAutoSlaveAddr), -1) << "the slave address is not judged";
-  EXPECT_EQ(Setting().Wide(kSettingFilePath), "");
+  EXPECT_EQ(Setting().Wide(setting_at::wszSettingFilePath), "");
 }
 
 TEST_F(IspArgsJudge, ARefusalToSignIsTheResult) {
@@ -166,13 +159,13 @@ TEST_F(IspArgsJudge, VerifyingReturnsTheVerdict) {
                 "Digital signature: Hw digital signature can not support verify function!\n");
   GivenFw("a.bin");
   ExpectRefused(Signature(kVerify, 1, "2"), "Digital signature: Signature file is missing!\n");
-  EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
+  EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 2u);
   GivenFile(m_scratch / "a.sig", "s");
   STRUCT_CP_ISP_CMD_ARGS args = Signature(kVerify, 1, "2");
   args.strSignFile = "a.sig";
   args.strKeyPair = "4";
   EXPECT_EQ(Judge(args), 1);
-  EXPECT_EQ(SignArgs().Narrow(kSignatureFile), m_scratch / "a.sig");
+  EXPECT_EQ(SignArgs().Narrow(sign_at::szSignatureFile), m_scratch / "a.sig");
   EXPECT_EQ(SignArgs().U32(sign_at::nKeyPairIndex), 4u);
 }
 
@@ -182,7 +175,7 @@ TEST_F(IspArgsJudge, SigningWithoutATypeIsJudgedLikeEveryOtherAction) {
   ExpectRefused(args, "Parameter out of range! --comm 17\n");
   args.strComm = "16";
   EXPECT_EQ(Judge(args), 1);
-  EXPECT_EQ(SignArgs().U32(kSignAction), 0u);
+  EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 0u);
 }
 
 TEST_F(IspArgsJudge, ProgrammingWithASoftwareSignatureVerifiesTheFiles) {
@@ -190,7 +183,7 @@ TEST_F(IspArgsJudge, ProgrammingWithASoftwareSignatureVerifiesTheFiles) {
     GivenFreshParser();
     GivenSlot("a.bin");
     ExpectRefused(Signature(action, 1, "2"), "Digital signature: Signature file is missing!\n");
-    EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
+    EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 2u);
   }
 }
 
@@ -198,8 +191,9 @@ TEST_F(IspArgsJudge, ProgrammingWithTheKeyOnTheDeviceLeavesTheVerdictToThePlugIn
   GivenSlot("a.bin");
   EXPECT_EQ(Judge(Signature(kIsp, 1, "4")), 1);
   EXPECT_EQ(m_out, "Digital signature: Signature file is missing!\n");
-  EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
-  EXPECT_EQ(SignArgs().Narrow(kFwFile), m_scratch / "a.bin") << "resolved before the refusal";
+  EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 2u);
+  EXPECT_EQ(SignArgs().Narrow(sign_at::szFwFile), m_scratch / "a.bin")
+      << "resolved before the refusal";
   EXPECT_EQ(Setting().U32(setting_at::enumSWDigitalSignatureMode), 4u);
 }
 
@@ -209,8 +203,8 @@ TEST_F(IspArgsJudge, ProgrammingInFactoryModeSkipsTheVerdict) {
   args.nIspMode = 2;
   EXPECT_EQ(Judge(args), 1);
   EXPECT_EQ(m_out, "");
-  EXPECT_EQ(SignArgs().U32(kSignAction), 2u);
-  EXPECT_EQ(SignArgs().Narrow(kFwFile), "a.bin") << "as typed";
+  EXPECT_EQ(SignArgs().U32(sign_at::enumActionType), 2u);
+  EXPECT_EQ(SignArgs().Narrow(sign_at::szFwFile), "a.bin") << "as typed";
 }
 
 TEST_F(IspArgsJudge, TheSignatureTextsReachTheirFields) {
@@ -225,7 +219,7 @@ TEST_F(IspArgsJudge, TheSignatureTextsReachTheirFields) {
   EXPECT_EQ(Judge(args), 1);
   const char* const texts[] = {"a.bin", "sign", "pair", "verify", "signkey", "cert", "next"};
   for (std::size_t i = 0; i < 7; ++i) {
-    EXPECT_EQ(SignArgs().Narrow(kFwFile + 260 * i), texts[i]);
+    EXPECT_EQ(SignArgs().Narrow(sign_at::szFwFile + 260 * i), texts[i]);
   }
 }
 
@@ -279,10 +273,10 @@ TEST_F(IspArgsJudge, TheBootCodeIsTakenOnlyWithASignatureType) {
   STRUCT_CP_ISP_CMD_ARGS args = Signature(kIsp, 0, "");
   args.strBoot = "boot.bin";
   EXPECT_EQ(Judge(args), 1);
-  EXPECT_EQ(Setting().Narrow(kBootFwPath), "");
+  EXPECT_EQ(Setting().Narrow(setting_at::szBootFwPath), "");
   args.ulSignatureTypeBits = 2;
   EXPECT_EQ(Judge(args), 1);
-  EXPECT_EQ(Setting().Narrow(kBootFwPath), "boot.bin");
+  EXPECT_EQ(Setting().Narrow(setting_at::szBootFwPath), "boot.bin");
 }
 
 TEST_F(IspArgsJudge, FirmwareIsNeededOnlyByActionsThatProgram) {
@@ -295,7 +289,7 @@ TEST_F(IspArgsJudge, FirmwareIsNeededOnlyByActionsThatProgram) {
   STRUCT_CP_ISP_CMD_ARGS searched = Action(kIsp);
   searched.bSearchFw = 1;
   EXPECT_EQ(Judge(searched), 1);
-  EXPECT_EQ(Setting().U32(kBankCount), 0u);
+  EXPECT_EQ(Setting().U32(setting_at::ulCount), 0u);
 }
 
 TEST_F(IspArgsJudge, AMissingFirmwareFileIsRefusedByItsFullPath) {
@@ -333,9 +327,9 @@ TEST_F(IspArgsJudge, AShorterSettingsFileLeavesNoTailOfTheFirst) {
   EXPECT_EQ(Judge(args), 1);
   args.strSettingFile = "/a.ini";
   EXPECT_EQ(Judge(args), 1);
-  EXPECT_EQ(Setting().Wide(kSettingFilePath), "/a.ini");
+  EXPECT_EQ(Setting().Wide(setting_at::wszSettingFilePath), "/a.ini");
   for (std::size_t unit = 6; unit < 260; ++unit) {
-    EXPECT_EQ(Setting().U32(kSettingFilePath + 4 * unit), 0u) << unit;
+    EXPECT_EQ(Setting().U32(setting_at::wszSettingFilePath + 4 * unit), 0u) << unit;
   }
 }
 

@@ -125,10 +125,11 @@ TEST_F(IspArgsParse, EachSlotTakesItsFileAndItsStartBank) {
   }
   EXPECT_EQ(Parse(words), 1);
   const RecordBytes setting = Setting();
-  EXPECT_EQ(setting.U32(kBankCount), 10u);
+  EXPECT_EQ(setting.U32(setting_at::ulCount), 10u);
   for (std::size_t i = 0; i < 10; ++i) {
-    EXPECT_EQ(setting.U32(kFirstTargetBank + 4 * i), 1 + 10 * i);
-    EXPECT_EQ(setting.Wide(kFirstPath + 1056 * i), m_scratch / (std::to_string(i) + ".bin"));
+    EXPECT_EQ(setting.U32(setting_at::ulTargetBank + 4 * i), 1 + 10 * i);
+    EXPECT_EQ(setting.Wide(setting_at::wszPath + setting_at::kEntryBytes * i),
+              m_scratch / (std::to_string(i) + ".bin"));
   }
 }
 
@@ -209,8 +210,8 @@ TEST_F(IspArgsParse, AnAutomaticSearchTakesTheFirstBinFile) {
   GivenFreshParser();
   EXPECT_EQ(Parse({"--isp", "--searchfw", "auto"}), 1);
   EXPECT_EQ(Setting().U32(setting_at::bSearchFw), 1u);
-  EXPECT_EQ(Setting().U32(kBankCount), 2u);
-  EXPECT_EQ(Setting().Wide(kFirstPath), m_scratch / "only.bin");
+  EXPECT_EQ(Setting().U32(setting_at::ulCount), 2u);
+  EXPECT_EQ(Setting().Wide(setting_at::wszPath), m_scratch / "only.bin");
 }
 
 TEST_F(IspArgsParse, AnotherKindOfSearchIsRefused) {
@@ -227,8 +228,8 @@ TEST_F(IspArgsParse, ASearchByPrefixUsesTheSettingsFileThatWasNamedBefore) {
   GivenFw("xyz.bin");
   const std::string settings = GivenFile(m_scratch / "my.ini", "[ISP_Fw]\nstrFwPrefix=ab\n");
   EXPECT_EQ(Parse({"--isp", "--settingfile", settings, "--searchfw", "prefix"}), 1);
-  EXPECT_EQ(Setting().Wide(kFirstPath), m_scratch / "abc.bin");
-  EXPECT_EQ(Setting().Wide(kSettingFilePath), settings);
+  EXPECT_EQ(Setting().Wide(setting_at::wszPath), m_scratch / "abc.bin");
+  EXPECT_EQ(Setting().Wide(setting_at::wszSettingFilePath), settings);
   GivenFreshParser();
   EXPECT_EQ(Parse({"--isp", "--searchfw", "prefix", "--settingfile", settings}), 0);
   EXPECT_EQ(m_out, "Cannot fw prefix setting!\n");
@@ -250,7 +251,7 @@ TEST_F(IspArgsParse, AnotherEdpModeIsRefusedWithoutANewline) {
 TEST_F(IspArgsParse, WordsThatAreNotOptionsAreListedAndIgnored) {
   EXPECT_EQ(Parse({"one", "--erase", "two", "--", "--sign"}), 1);
   EXPECT_EQ(m_out, "non-option ARGV-elements: one two --sign \n");
-  EXPECT_EQ(Setting().U32(kAction), 3u);
+  EXPECT_EQ(Setting().U32(setting_at::enumActionType), 3u);
 }
 
 TEST_F(IspArgsParse, AWordThatCannotBeReadIsReportedAndTheNextIsRead) {
@@ -274,7 +275,7 @@ TEST_F(IspArgsParse, AWordThatCannotBeReadIsReportedAndTheNextIsRead) {
     EXPECT_EQ(Parse({test.word, "--getsc"}), 1) << test.word;
     EXPECT_EQ(m_out, test.printed) << test.word;
     EXPECT_EQ(m_err, test.err) << test.word;
-    EXPECT_EQ(Setting().U32(kAction), 25u) << test.word;
+    EXPECT_EQ(Setting().U32(setting_at::enumActionType), 25u) << test.word;
   }
 }
 
@@ -306,7 +307,7 @@ TEST_F(IspArgsParse, TheCallersRecordIsJudgedAndReturned) {
   setting.enumActionType = CP_ISPTOOL_ACTION_ISP;
   setting.enumCommID = 9;
   m_parser->SetISPCmdSetting(setting);
-  EXPECT_EQ(Setting().U32(kAction), 4u);
+  EXPECT_EQ(Setting().U32(setting_at::enumActionType), 4u);
   EXPECT_EQ(Setting().U32(setting_at::enumCommID), 9u);
   GivenFw("boot.bin", 2);
   FwBankMap map;
