@@ -23,6 +23,7 @@ ExitStatus ApproveWords(const Options& options, const OptionScan& scan, const Ju
                         Session& session) {
   std::vector<Refusal> refusals;
   if (!judged.accepted) {
+    // The rules of zvisp-line need judged records. Without them only the scan has something to add.
     refusals.push_back({"zvisp-refuses", ZvispRefuses(judged.said)});
     refusals.insert(refusals.end(), scan.refusals.begin(), scan.refusals.end());
   } else {

@@ -29,6 +29,7 @@ ExitStatus Dispatch(const Options& options, Session& session) {
   for (const CommandRow& row : kCommands) {
     if (row.command == options.command) return row.run(options, session);
   }
+  // Never reached: every command has a row.
   return kExitRefused;
 }
 
@@ -46,6 +47,7 @@ int RunCommandLine(const std::vector<std::string>& arguments) {
     return kExitPassed;
   }
   const Options& options = parsed.options;
+  // Of a refused command line as well: its error is an event like all others.
   const std::unique_ptr<Printer> printer =
       MakePrinter({options.json, options.quiet, options.progress, options.color});
   Session session;
@@ -53,6 +55,7 @@ int RunCommandLine(const std::vector<std::string>& arguments) {
   const ExitStatus status = parsed.kind == ParsedOptions::Kind::kRefused
                                 ? Refuse(parsed.text, session)
                                 : Dispatch(options, session);
+  // The statuses of signals are the highest ones.
   const bool interrupted = status >= kExitHangUp;
   session.Emit({}, EndEvent{status, interrupted});
   return status;

@@ -18,12 +18,13 @@ std::string HostName() {
   return gethostname(name, sizeof name - 1) == 0 ? name : "";
 }
 
-// The name of the login. The account data base is not asked: on some hosts that takes a network.
+// The name of the login. The account data base is not asked: on some hosts that needs the network.
 std::string OperatorName() {
   for (const char* const variable : {"LOGNAME", "USER"}) {
     const char* const name = std::getenv(variable);
     if (name != nullptr && *name != '\0') return name;
   }
+  // A service often has neither variable.
   return "uid " + std::to_string(getuid());
 }
 

@@ -19,6 +19,7 @@ namespace {
 // What the option library asks of a value: an empty text, or what is wrong with it. The name of the
 // option is in front of it.
 std::string ReadWhen(std::string& text) {
+  // The index is the number of the enumeration, which the library reads from the text.
   constexpr std::string_view kWhens[] = {"auto", "always", "never"};
   for (std::size_t i = 0; i < std::size(kWhens); ++i) {
     if (text != kWhens[i]) continue;
@@ -31,6 +32,7 @@ std::string ReadWhen(std::string& text) {
 std::string CheckSeconds(std::string& text) {
   char* end = nullptr;
   const double seconds = std::strtod(text.c_str(), &end);
+  // A limit that every clock here can hold in milliseconds.
   const bool is_number = !text.empty() && *end == '\0' && seconds >= 0 && seconds <= 1e9;
   return is_number ? "" : text + " is not a number of seconds";
 }
@@ -38,6 +40,7 @@ std::string CheckSeconds(std::string& text) {
 std::string CheckCode(std::string& text) {
   char* end = nullptr;
   const unsigned long long code = std::strtoull(text.c_str(), &end, 0);
+  // strtoull would turn "-1" into a large number.
   const bool is_code = !text.empty() && *end == '\0' && text[0] != '-' && code <= 0xFFFFFFFF;
   return is_code ? "" : text + " is not a number from 0 to 0xFFFFFFFF";
 }

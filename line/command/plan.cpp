@@ -21,6 +21,7 @@ ExitStatus RunPlan(const Options& options, Session& session) {
   const ExitStatus approval = ApproveWords(options, scan, *judged, session);
   if (approval != kExitPassed) return approval;
   session.Emit({}, MessageEvent{Source::kTool, Level::kInfo, "zvisp accepts these words.", false});
+  // From the original files: a plan promises nothing about a later run, so it makes no copies.
   const std::optional<PlanEvent> plan = MakePlan(scan, *judged, error);
   if (!plan.has_value()) {
     session.Emit({}, ErrorEvent{"file", error, "", {}, {}});

@@ -33,7 +33,7 @@ ExitStatus Report(Session& session, ExitStatus status, std::string id, std::stri
   return status;
 }
 
-// A relative one is taken from the working directory, which a plug-in may change.
+// A plug-in may change the working directory, so a relative path is made a full one at the start.
 std::string AbsolutePath(const std::string& path) {
   std::error_code failure;
   const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
@@ -116,6 +116,7 @@ ExitStatus UnitCommand::Prepare() {
   }
   std::string error = m_options.unit.empty() ? "" : WhyNoSerial(m_options.unit);
   if (!error.empty()) return Report(m_session, kExitRefused, "serial", error);
+  // Whatever can fail without the display is tried first: record, disk, directory for the copies.
   m_data = AbsolutePath(DataDirectory(m_options.data));
   m_journal = Journal::Open(m_data, error);
   if (m_journal == nullptr) return Report(m_session, kExitUnavailable, "record", error);
@@ -134,6 +135,7 @@ ExitStatus UnitCommand::Approve(JudgedWords& words, StepRequest& request) {
   if (!UseCopies(*m_copies, words, error)) {
     return Report(m_session, kExitRefused, "private-copies", error);
   }
+  // After the copies: what is hashed is what the plug-in reads.
   m_plan = MakePlan(m_scan, words, error);
   if (!m_plan) return Report(m_session, kExitRefused, "file", error);
   FillIn(*words.setting, request.where);
@@ -202,15 +204,18 @@ ExitStatus UnitCommand::Finish(const StepEnd& end, int stop_signal) {
   const bool recorded = m_journal->WaitFor(m_record->Last()) && end.recorded;
   ExitStatus status = StatusOf(end);
   if (end.interrupted) status = interrupted;
+  // An untouched display needs no record: nothing has to be known about it.
   if (!recorded && end.state != UnitState::kUntouched) {
     status = Weightier(status, kExitNotRecorded);
   }
+  // Last, because it counts more than every other status.
   return end.state == UnitState::kUncertain ? kExitUncertain : status;
 }
 
 ExitStatus UnitCommand::Run() {
   const ExitStatus prepared = Prepare();
   if (prepared != kExitPassed) return prepared;
+  // From here on every event is recorded. What was refused before is only printed.
   m_session.Add(*m_record);
   const Reporting reporting = {m_session, *m_journal, *m_record};
   Supervisor supervisor(reporting);

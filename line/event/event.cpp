@@ -8,7 +8,7 @@ namespace line {
 
 namespace {
 
-// In the order of the enumerations.
+// In the order of the enumerations. The names are in records on disk: change none of them.
 constexpr std::array<std::string_view, 6> kStates = {"untouched", "programming", "programmed",
                                                      "identical", "different",   "uncertain"};
 constexpr std::array<std::string_view, 8> kOutcomes = {"passed",  "failed",      "different",

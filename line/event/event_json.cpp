@@ -13,6 +13,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+// A field that does not apply is left out of the JSON.
 void Put(Json& json, const char* key, const std::string& text) {
   if (!text.empty()) json[key] = text;
 }
@@ -70,6 +71,7 @@ const char* PutBody(Json& json, const PlanEvent& plan) {
   json["files"] = Json::array();
   for (const PlannedFile& file : plan.files)
     json["files"].push_back(FileJson(file));
+  // The record keeps a plan without its banks, and then has no such field either.
   if (!plan.banks.empty()) json["banks"] = Json::array();
   for (const PlannedBank& bank : plan.banks)
     json["banks"].push_back(BankJson(bank));
@@ -113,6 +115,7 @@ const char* PutBody(Json& json, const MessageEvent& message) {
 }
 
 void PutCode(Json& json, const std::optional<std::uint32_t>& code) {
+  // Both are always there: null means that no result arrived, which 0 would hide.
   json["code"] = nullptr;
   json["code_hex"] = nullptr;
   if (!code.has_value()) return;
@@ -192,6 +195,8 @@ const char* PutBody(Json& json, const EndEvent& end) {
   return "end";
 }
 
+// A record may come from a newer version or a damaged disk. A field of another type counts as
+// missing, and nothing throws.
 std::string TextAt(const Json& json, const char* key) {
   const auto found = json.find(key);
   return found != json.end() && found->is_string() ? found->get<std::string>() : "";
@@ -220,6 +225,7 @@ Where WhereIn(const Json& json) {
 std::string ToJsonLine(const Event& event) {
   Json json;
   json["v"] = 1;
+  // Keeps the second place for the type: TypeOfLine reads it there without parsing the line.
   json["type"] = "";
   json["time"] = TimeText(event.time_ms);
   json["mono_ms"] = event.mono_ms;
@@ -227,10 +233,12 @@ std::string ToJsonLine(const Event& event) {
   json["seq"] = event.seq;
   PutWhere(json, event.where);
   json["type"] = std::visit([&json](const auto& body) { return PutBody(json, body); }, event.body);
+  // A plug-in may print any bytes. Without `replace`, dump throws for those that are not UTF-8.
   return json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
 std::optional<RecordedEvent> FromJsonLine(std::string_view line) {
+  // Without exceptions: text that is not JSON gives a value that is not an object.
   const Json json = Json::parse(line, nullptr, false);
   if (!json.is_object()) return std::nullopt;
   RecordedEvent event;

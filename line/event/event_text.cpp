@@ -74,6 +74,7 @@ Lines Say(const Event& event, const ResultEvent& result) {
   std::string text = Front(event.where) + CleanText(event.where.step) + " " +
                      Words(NameOf(result.outcome)) + " after " + DurationText(result.duration_ms) +
                      ", " + std::string(NameOf(result.state));
+  // The code of a success is always 0, or is shown as the value.
   if (result.outcome != Outcome::kPassed) text += CodeText(result);
   if (result.value) text += ", value " + CleanText(*result.value);
   if (result.expected) text += ", expected " + CleanText(*result.expected);
@@ -109,6 +110,7 @@ Lines Say(const Event& event, const PlanEvent& plan) {
   return lines;
 }
 
+// Begins like the messages of a compiler, "FILE:LINE:COLUMN: ", so that editors find the place.
 Lines Say(const Event&, const ErrorEvent& error) {
   std::string place = CleanText(error.file);
   if (error.line) place += ":" + std::to_string(*error.line);

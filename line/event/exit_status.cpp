@@ -8,7 +8,7 @@ namespace line {
 
 namespace {
 
-// The first that applies counts.
+// The first that applies counts: what puts a display in doubt before what only failed.
 constexpr ExitStatus kByWeight[] = {
     kExitUncertain, kExitNotRecorded, kExitHangUp, kExitInterrupt, kExitTerminate,
     kExitRefused,   kExitUnavailable, kExitFailed, kExitPassed,

@@ -10,6 +10,7 @@ namespace line {
 
 namespace {
 
+// Often enough to show that a run is alive, and seldom enough for a log file.
 constexpr std::uint64_t kNowAndThenMs = 10000;
 
 class PlainPrinter : public Printer {
@@ -21,6 +22,7 @@ class PlainPrinter : public Printer {
       const bool coloured = line.is_result ? m_colours.out : m_colours.err;
       WriteText(line.is_result ? stdout : stderr, (coloured ? Coloured(line) : line.text) + "\n");
     }
+    // A step that is shorter than the interval gets no line of progress.
     if (std::holds_alternative<StartEvent>(event.body)) m_last_ms[event.where.run] = event.mono_ms;
     if (std::holds_alternative<UnitResultEvent>(event.body)) m_last_ms.erase(event.where.run);
     if (std::holds_alternative<ProgressEvent>(event.body) && IsWorthALine(event)) {

@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t kBanksInARow = 16;
 
+// There are at most ten slots, so the letters suffice.
 char LetterOf(const PlanEvent& plan, std::uint32_t slot) {
   const auto file = std::find_if(plan.files.begin(), plan.files.end(),
                                  [slot](const PlannedFile& one) { return one.slot == slot; });
@@ -38,6 +39,7 @@ void AddFiles(const PlanEvent& plan, std::vector<std::string>& lines) {
 }
 
 void AddPicture(const PlanEvent& plan, std::vector<std::string>& lines) {
+  // A file that starts at bank 255 can reach above it; most flashes have no such banks.
   const bool is_tall = std::any_of(plan.banks.begin(), plan.banks.end(),
                                    [](const PlannedBank& bank) { return bank.target > 255; });
   std::string picture(is_tall ? 512 : 256, '.');

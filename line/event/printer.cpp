@@ -31,12 +31,14 @@ class QuietPrinter : public Printer {
 };
 
 bool IsTerminal(int descriptor) {
+  // A dumb terminal cannot move its cursor, so rows cannot be redrawn there.
   const char* const kind = std::getenv("TERM");
   return isatty(descriptor) == 1 && (kind == nullptr || std::string(kind) != "dumb");
 }
 
 bool WantsColour(const PrinterOptions& options, int descriptor) {
   if (options.color != When::kAuto) return options.color == When::kAlways;
+  // By the custom of NO_COLOR an empty variable counts as not set.
   const char* const no_color = std::getenv("NO_COLOR");
   return (no_color == nullptr || *no_color == '\0') && IsTerminal(descriptor);
 }

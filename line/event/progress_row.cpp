@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kBarAtMost = 40;
 constexpr std::size_t kBarAtLeast = 6;  // less than this shows nothing
-// A remaining time is shown when there is enough to tell it from.
+// A remaining time is shown once there is enough to estimate it from.
 constexpr int kKnownFromPercent = 3;
 constexpr std::uint64_t kKnownFromMs = 2000;
 
@@ -51,7 +51,8 @@ std::string ProgressRow::Bar(std::size_t columns) const {
   return "[" + std::string(filled, '#') + std::string(inside - filled, '-') + "]";
 }
 
-// As long as the phase has taken for each percent until the last report.
+// The rest of the phase at the pace of its reported part, less the time since that report. Empty
+// when too little is known, and when the estimate has run out.
 std::string ProgressRow::Remaining(std::uint64_t mono_ms) const {
   if (!m_percent || *m_percent < kKnownFromPercent || *m_percent >= 100) return "";
   const std::uint64_t taken = m_percent_ms - m_phase_start_ms;
@@ -77,6 +78,7 @@ std::string ProgressRow::Text(std::size_t columns, std::uint64_t mono_ms) const 
     return Columns(m_place) + Columns(serial) + 1 + Columns(m_doing) + tail.size() +
            remaining.size();
   };
+  // The least important goes first; each line measures what is left after the line before.
   if (taken() + bar_needs > columns) remaining.clear();
   if (taken() + bar_needs > columns) serial.clear();
   std::string bar;

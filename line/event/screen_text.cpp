@@ -26,6 +26,8 @@ char32_t TakeCharacter(std::string_view& text) {
     character = (character << 6) | (static_cast<std::uint8_t>(text[taken]) & 0x3F);
     ++taken;
   }
+  // By length: the lowest character that needs so many bytes. A longer form than needed is not
+  // valid, and neither is a surrogate.
   constexpr char32_t kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
   const bool is_whole = length != 0 && taken == length && character >= kLowest[length] &&
                         character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF);

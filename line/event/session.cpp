@@ -21,6 +21,7 @@ std::int64_t NowMs() {
 // 48 bits of time, then random bits around the version (7) and the variant (binary 10).
 std::array<std::uint8_t, 16> UuidBytes() {
   std::array<std::uint8_t, 16> bytes = {};
+  // From the system, because many hosts make such numbers in the same millisecond.
   std::random_device random;
   for (std::size_t i = 6; i < bytes.size(); ++i)
     bytes[i] = static_cast<std::uint8_t>(random());

@@ -10,6 +10,7 @@ namespace line {
 std::string TimeText(std::int64_t time_ms) {
   const time_t seconds = static_cast<time_t>(time_ms / 1000);
   tm utc = {};
+  // UTC: the clock of a summer time would show an hour twice.
   gmtime_r(&seconds, &utc);
   char date[32];
   const std::size_t length = strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &utc);

@@ -61,7 +61,8 @@ class Planner {
   PlanEvent& m_plan;
 };
 
-// Slots never share banks, so the start bank tells to which slot an entry belongs.
+// The map does not name the slots. Slots never share banks, so an entry for the first bank of a
+// file belongs to the slot that starts at its target bank.
 bool Planner::Add(std::string& error) {
   const STRUCT_C_STYLE_MAP_FW& map = m_judged.setting->stMapFw;
   for (const auto& [slot, entry] : m_judged.slots) {
@@ -81,6 +82,7 @@ bool Planner::AddFile(std::uint32_t slot, std::uint32_t first_entry, std::string
   const std::string path = NarrowPath(m_judged.setting->stMapFw.stBank[first_entry].wszPath);
   PlannedFile file;
   file.slot = slot;
+  // The name that the operator knows, and not that of a private copy.
   file.path = GetFileFullPath(typed.strFwPath.GetUtf8String(), "./");
   file.start_bank = typed.ulBank;
   BankReader reader(path);
@@ -95,6 +97,7 @@ bool Planner::AddFile(std::uint32_t slot, std::uint32_t first_entry, std::string
     file.bytes += bytes;
     ++bank;
   }
+  // It was readable when the words were judged, so it was changed or taken away since.
   if (count < 0 || bank == 0) {
     error = "The firmware file " + file.path + " cannot be read any more; check it and try again.";
     return false;

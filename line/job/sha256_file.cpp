@@ -12,6 +12,7 @@ namespace line {
 
 std::optional<std::string> Sha256OfFile(const std::string& path) {
   std::uint64_t bytes = 0;
+  // A FIFO or a device would never end.
   if (!zvisp::GetRegularFileSize(path, bytes)) return std::nullopt;
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file.IsOpen()) return std::nullopt;

@@ -19,6 +19,7 @@ std::string StepNameOf(std::uint32_t enumActionType) {
   };
   const auto row = std::find_if(std::begin(kOptions), std::end(kOptions), is_action);
   const std::string name = row == std::end(kOptions) ? "" : row->name;
+  // isp, ispuser, ispdiff and ispcopy do one thing for an operator: they program.
   return name.starts_with("isp") ? "program" : name;
 }
 

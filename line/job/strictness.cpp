@@ -14,10 +14,10 @@ namespace line {
 
 namespace {
 
-constexpr std::size_t kMostFlagBytes = 255;  // their number has 8 bits
+constexpr std::size_t kMostFlagBytes = 255;  // the record keeps 8 bits of their number
 constexpr std::size_t kLongestSerial = 128;
 
-// What every rule looks at, and where it reports.
+// What every rule may use, and where it reports.
 struct Question {
   const OptionScan& scan;
   const JudgedWords& judged;
@@ -29,15 +29,17 @@ struct Question {
 };
 
 void RefuseRepeatedValues(const Question& question) {
-  std::vector<std::string_view> seen, told;
+  std::vector<std::string_view> seen, reported;
   for (const GivenOption& option : question.scan.options) {
     const std::string_view name = option.row->name;
     const auto is_in = [name](const auto& list) {
       return std::find(list.begin(), list.end(), name) != list.end();
     };
+    // A repeated switch changes nothing. Of repeated values, zvisp mostly keeps the last one and
+    // says nothing.
     if (option.row->argument != zvisp::kRequiredArgument) continue;
-    if (is_in(seen) && !is_in(told)) {
-      told.push_back(name);
+    if (is_in(seen) && !is_in(reported)) {
+      reported.push_back(name);
       question.Refuse("repeated", "The option --" + std::string(name) +
                                       " is given more than once; give it once.");
     }
@@ -59,6 +61,7 @@ void RefuseSignatureOptionsWithoutType(const Question& question) {
   }
 }
 
+// An operator who names a signature expects it to be checked.
 void RefuseSignatureInFactory(const Question& question) {
   if (!question.scan.Has("sw") || !question.scan.Has("factory")) return;
   question.Refuse("signature-not-checked",
@@ -73,6 +76,7 @@ void RefuseUnsignedFiles(const Question& question) {
                   "well; program each alone as --fw, or let them through with --allow-unsigned.");
 }
 
+// zvisp ignores the bytes without an address, and counts them modulo 256.
 void RefuseLostFlag(const Question& question) {
   const std::string* const data = question.scan.ValueOf("flagdata");
   if (data == nullptr) return;
@@ -104,6 +108,8 @@ void RefuseEmptyFiles(const Question& question) {
   }
 }
 
+// zvisp resolves this name against the directory of the executable. When nothing is there, it calls
+// the plug-in with an empty map.
 void RefuseBootPath(const Question& question) {
   const std::string* const path = question.scan.ValueOf("boot");
   std::uint64_t bytes = 0;
@@ -147,6 +153,7 @@ void RefuseActions(const Question& question) {
   }
 }
 
+// Every type is a success for zvisp, so only an expected one can make the step fail.
 void RefuseExpectation(const Question& question) {
   const bool reads_type = question.Action() == CP_ISPTOOL_ACTION_GET_SCALER_TYPE;
   if (reads_type && !question.strictness.expect) {

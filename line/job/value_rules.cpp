@@ -25,6 +25,8 @@ enum class Form {
   kVersionMode,   // 0, 1 or 2
 };
 
+// The options whose values zvisp changes without a word. Firmware files and start banks are checked
+// apart: their options fill slots.
 struct ValueRow {
   std::string_view name;
   Form form;
@@ -70,6 +72,7 @@ std::size_t Characters(const std::string& text) {
 bool FitsAWord(const std::string& text) {
   char* end = nullptr;
   errno = 0;
+  // zvisp reads by strtol as well and keeps 32 bits of the result.
   const long number = std::strtol(text.c_str(), &end, 0);
   if (*end != '\0') return true;
   return errno == 0 && number >= 0 && number <= 0xFFFFFFFFL;

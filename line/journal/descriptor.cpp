@@ -15,6 +15,7 @@ Descriptor::~Descriptor() {
 Descriptor::Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
 
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+  // The old one is closed by the destructor of `other`.
   std::swap(m_number, other.m_number);
   return *this;
 }

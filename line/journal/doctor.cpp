@@ -54,6 +54,7 @@ void Examination::Read(const RecordLine& line) {
     m_report.skipped.push_back({std::string(line.file), line.number});
     return;
   }
+  // Most lines are messages and progress. Only the few others are worth parsing.
   if (!ChangesAState(type)) return;
   const std::optional<RecordedEvent> event = FromJsonLine(line.text);
   if (event.has_value()) {
@@ -76,7 +77,7 @@ void Examination::Touch(const RecordedEvent& event) {
   const auto known = std::find_if(runs.begin(), runs.end(), [&event](const TouchedRun& run) {
     return run.where.run == event.where.run;
   });
-  // A read-back that differs is not a pass: what an earlier run left behind stays in doubt.
+  // A read-back that differs is not a pass: the doubt about an earlier run stays.
   if (*event.state == UnitState::kUntouched || *event.state == UnitState::kDifferent) {
     if (known != runs.end()) runs.erase(known);
   } else if (!IsDoubtful(*event.state)) {
@@ -87,6 +88,7 @@ void Examination::Touch(const RecordedEvent& event) {
     known->state = *event.state;
     known->since = event.time;
   }
+  // A unit without doubtful runs is forgotten, so memory does not grow with the record.
   if (runs.empty()) m_units.erase(event.where.unit);
   if (event.type == "state" && *event.state == UnitState::kProgramming) {
     m_newest_at[event.where.comm.value_or(0)] = event.where.run;
@@ -121,6 +123,7 @@ DoctorReport Examination::Report(const std::string& data_directory,
                                  const std::function<bool(std::uint32_t comm)>& is_free) {
   std::vector<std::pair<std::uint64_t, Doubt>> doubts;
   for (const auto& [unit, runs] : m_units) {
+    // The newest run that touched the unit decides.
     const TouchedRun& last = runs.back();
     if (IsUnderWay(last, is_free)) continue;
     doubts.emplace_back(last.order, Doubt{last.where, {last.state, {}, last.since}});

@@ -30,8 +30,8 @@ enum class Kind : std::uint64_t {
   kEnded = 5
 };
 
-// By hashes: of the unit and of the job's name. kCovered: hash of a file's name, and how many of
-// its bytes are in the index.
+// What the two numbers are: the hash of the unit and the hash of the job's name; for kCovered, the
+// hash of a record file's name and how many of its bytes are in the index.
 struct Entry {
   Kind kind;
   std::uint64_t first;
@@ -39,9 +39,10 @@ struct Entry {
 };
 static_assert(sizeof(Entry) == 24, "the index is read as it was written");
 
+// The first entry of every index: "ZVISPLIX" as a number, and the version of the format.
 constexpr Entry kFormat = {Kind::kFormat, 0x5A564953504C4958, 1};
 
-// FNV-1a.
+// FNV-1a. It stays the same on every host and in every version, unlike std::hash.
 std::uint64_t HashOf(std::string_view text) {
   std::uint64_t hash = 0xCBF29CE484222325;
   for (const char character : text) {
@@ -149,6 +150,7 @@ std::vector<Entry> Index::ReadWhatIsNew() {
     std::string_view rest =
         mapped.Bytes().substr(std::min<std::size_t>(covered, mapped.Bytes().size()));
     const std::uint64_t before = covered;
+    // Whole lines only: an unfinished one is read when it is ended.
     for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
       if (const auto entry = EntryOf(rest.substr(0, end))) entries.push_back(*entry);
       rest.remove_prefix(end + 1);
@@ -159,7 +161,7 @@ std::vector<Entry> Index::ReadWhatIsNew() {
   return entries;
 }
 
-// Not a link to another file, which would be emptied.
+// Whether the index may be written: a link could lead to another file, which would be emptied.
 bool IsOurs(int file) {
   struct stat status = {};
   return file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
@@ -169,7 +171,7 @@ UnitHistory Index::Ask() {
   const std::string path = RecordDirectory(m_data_directory) + "/units.index";
   const Descriptor file(
       open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-  // One process brings it up to date; another at the same time only reads on for itself.
+  // One process at a time writes the index. Another one reads the rest of the record for itself.
   const bool may_write = IsOurs(file.Number()) && flock(file.Number(), LOCK_EX | LOCK_NB) == 0;
   bool is_whole = false;
   {
@@ -189,7 +191,7 @@ UnitHistory Index::Ask() {
   }
   if (may_write && !entries.empty()) {
     const std::size_t bytes = entries.size() * sizeof(Entry);
-    // What was written in part does not divide evenly, and the index is made again.
+    // After a partial write the size is not a multiple of an entry, and the index is made again.
     static_cast<void>(write(file.Number(), entries.data(), bytes) >= 0);
   }
   return m_history;

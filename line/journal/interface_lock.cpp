@@ -81,12 +81,14 @@ int OpenLockFile(const std::string& path) {
 bool IsLocked(const std::string& path) {
   const int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
   if (file < 0) return false;
+  // A shared lock, so that two who ask do not disturb each other.
   const bool locked = flock(file, LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
   close(file);
   return locked;
 }
 
 void WriteHolder(int file, const std::string& holder) {
+  // For people only. A failure changes nothing about the lock.
   if (ftruncate(file, 0) != 0) return;
   static_cast<void>(!pwrite(file, holder.data(), holder.size(), 0));
 }
@@ -135,6 +137,8 @@ InterfaceLock::Answer InterfaceLock::TakeOnce(const InterfaceUse& use, const std
     return Answer::kNotAvailable;
   }
   const bool alone = use.alone || use.comm == 0;
+  // This lock decides between a run that must be alone and all others; the next one between two
+  // runs at one interface.
   if (flock(m_host, (alone ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
     reason = alone ? AnyInterfaceInUse() : InUseBy(host, "The whole host");
     return Answer::kInUse;

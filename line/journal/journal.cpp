@@ -55,6 +55,7 @@ class ProgressFilter {
       return std::exchange(m_decades[key], decade + 1) != decade + 1;
     }
     if (std::holds_alternative<UnitResultEvent>(event.body)) m_decades.clear();
+    // A finding only repeats what the record says.
     return !std::holds_alternative<FindingEvent>(event.body);
   }
 
@@ -133,6 +134,7 @@ Journal::Ticket Journal::Writer::Append(const Event& event) {
   QueuedLine line = {0, TimeText(event.time_ms).substr(0, kDayLength), RecordedLine(event),
                      NeedsFlush(event.body)};
   const std::lock_guard<std::mutex> lock(m_mutex);
+  // Numbered and queued under one lock, so the order of tickets is the order of lines.
   line.ticket = ++m_last_ticket;
   m_queue.push_back(std::move(line));
   m_has_work.notify_one();
@@ -166,6 +168,7 @@ void Journal::Writer::Work() {
   std::unique_lock<std::mutex> lock(m_mutex);
   while (true) {
     m_has_work.wait(lock, [this] { return m_stops || !m_queue.empty(); });
+    // Stopped, and nothing left: what was queued before the stop is still written.
     if (m_queue.empty()) return;
     const std::vector<QueuedLine> queue = std::exchange(m_queue, {});
     lock.unlock();
@@ -196,6 +199,7 @@ void Journal::Writer::Settle(const std::vector<QueuedLine>& batch, bool is_writt
                              const std::string& error) {
   {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    // Batches are written in order, so every ticket up to this one has its fate.
     m_settled = batch.back().ticket;
     for (const QueuedLine& line : batch) {
       if (!is_written) m_lost.insert(line.ticket);

@@ -80,7 +80,7 @@ bool HasSpace(const std::string& directory, int descriptor, std::string& error) 
   return false;
 }
 
-// "2026-11-21" of "2026-11-21.jsonl".
+// Whether a name looks like "2026-11-21.jsonl".
 bool IsDayFile(const std::string& name) {
   constexpr std::string_view kShape = "dddd-dd-dd.jsonl";
   return name.size() == kShape.size() &&
@@ -89,7 +89,7 @@ bool IsDayFile(const std::string& name) {
          });
 }
 
-// Empty without any.
+// Such as "2026-11-21"; empty when there is no file yet.
 std::string NewestDayIn(const std::string& data_directory) {
   std::string newest;
   for (const std::string& name : RecordFileNames(data_directory)) {
@@ -129,6 +129,7 @@ bool RecordFiles::Open(const std::string& data_directory, std::string& error) {
   if (m_directory_descriptor.IsOpen()) {
     m_lock = OpenShared(m_directory_descriptor.Number(), "lock", created);
   }
+  // Rights are asked for here, because files are only made when the first line is written.
   if (!m_lock.IsOpen() || faccessat(m_directory_descriptor.Number(), ".", W_OK, 0) != 0) {
     error = CannotWrite(m_directory, Reason());
     return false;
@@ -158,6 +159,7 @@ Descriptor RecordFiles::OpenDay(const std::string& day, std::string& error) {
   bool created = false;
   Descriptor file = OpenShared(m_directory_descriptor.Number(), day + ".jsonl", created);
   if (!file.IsOpen()) error = CannotWrite(m_directory + "/" + day + ".jsonl", Reason());
+  // A power cut must not take the name of a new file away with its lines.
   if (created) FlushToDisk(m_directory_descriptor.Number());
   return file;
 }
@@ -178,6 +180,7 @@ bool RecordFiles::Append(const std::string& wanted_day, const std::string& lines
     // Under the lock nobody else has appended meanwhile.
     if (!is_written && has_size) static_cast<void>(ftruncate(file.Number(), status.st_size) == 0);
   }
+  // Unlocked before the flush, which takes long: others may append meanwhile.
   flock(m_lock.Number(), LOCK_UN);
   if (!is_written) return false;
   if (!flush || FlushToDisk(file.Number())) return true;

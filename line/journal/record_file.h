@@ -31,8 +31,8 @@ class RecordFiles {
 
   // Appends whole lines to the file of a day ("2026-11-21") under the record's lock, after ending
   // a line that another writer left unfinished; with `flush`, waits for the disk. A day before the
-  // record's newest one counts as that one. False, with one
-  // sentence in `error`, when not: nothing of the lines is in the file then, as far as it is known.
+  // record's newest one counts as that one. False, with one sentence in `error`, when that fails:
+  // the lines are then taken out of the file again, unless only the flush has failed.
   bool Append(const std::string& day, const std::string& lines, bool flush, std::string& error);
 
  private:

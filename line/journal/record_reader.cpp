@@ -16,6 +16,7 @@ namespace line {
 
 namespace {
 
+// How ToJsonLine begins every line.
 constexpr std::string_view kLineStart = "{\"v\":1,\"type\":\"";
 constexpr std::string_view kFileEnd = ".jsonl";
 
@@ -46,6 +47,7 @@ std::vector<std::string> RecordFileNames(const std::string& data_directory) {
     if (IsRecordFile(entry->d_name)) names.emplace_back(entry->d_name);
   }
   closedir(directory);
+  // The names are dates, the year first, so this is the order of the days.
   std::sort(names.begin(), names.end());
   return names;
 }
@@ -57,6 +59,7 @@ int MappedFile::Map(const std::string& path) {
   struct stat status = {};
   if (!file.IsOpen() || fstat(file.Number(), &status) != 0) return errno;
   if (!S_ISREG(status.st_mode)) return EINVAL;
+  // mmap refuses an empty range.
   if (status.st_size == 0) return 0;
   const auto size = static_cast<std::size_t>(status.st_size);
   void* const bytes = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.Number(), 0);

@@ -15,6 +15,7 @@ std::optional<JudgedWords> JudgeInWorker(const std::vector<std::string>& words,
   if (!output.Open(error) || !worker.Start(words, output.Descriptor(), -1, error)) {
     return std::nullopt;
   }
+  // Without a time limit: a worker that only judges loads no plug-in.
   const std::optional<Frame> frame = worker.WaitForFrame();
   std::optional<JudgedWords> judged = frame ? DecodeJudged(*frame) : std::nullopt;
   worker.Send(FrameBytes(MessageType::kBye, ""));

@@ -28,6 +28,7 @@ bool OutputFollower::Open(std::string& error) {
   char path[] = "/tmp/zvisp-line-output-XXXXXX";
   const int file = mkstemp(path);
   if (file >= 0) {
+    // Without a name the file goes with its last descriptor, even after a kill.
     unlink(path);
     // Appending, so that the worker continues at the new end when the file was emptied.
     fcntl(file, F_SETFL, O_APPEND);
@@ -54,6 +55,7 @@ void OutputFollower::ReadNew() {
     m_kept += static_cast<std::uint64_t>(got);
   }
   m_dropped += size - std::min(size, m_offset);
+  // What is not kept is not read either.
   m_offset = std::max(m_offset, size);
   if (size >= kEmptiedAt && ftruncate(m_file, 0) == 0) m_offset = 0;
 }

@@ -27,7 +27,7 @@ constexpr const char* kPrefix = "zvisp-line-copies-";
 // Of a directory whose lock is not yet taken: nobody may find it stale.
 constexpr const char* kNewPrefix = "zvisp-line-new-";
 constexpr const char* kLockName = "in-use";
-// A bank entry's path has 256 units; of the directories of a copy at most 40 are taken.
+// A bank entry's path has 256 units. The directories of a copy need at most 40 of them.
 constexpr std::size_t kLongestName = 200;
 constexpr std::size_t kChunk = std::size_t{256} * 1024;
 
@@ -143,6 +143,7 @@ std::string CopyFile(const std::string& source, const std::string& target) {
       !SameVersion(before, after)) {
     return source + " changed while it was read; try again when nobody writes it.";
   }
+  // A plug-in that opens the copy for writing by mistake fails, unless it runs as root.
   static_cast<void>(fchmod(to.Number(), 0400));
   return "";
 }
@@ -157,6 +158,8 @@ std::unique_ptr<PrivateCopies> PrivateCopies::Make(std::string& error) {
     error = Because("Cannot make a directory like", directory, "make /tmp writable.");
     return nullptr;
   }
+  // The lock is taken before the directory gets its final name. So nobody finds a directory of that
+  // name that looks unused.
   const int file = LockOf(directory, O_CREAT | O_EXCL);
   const int lock = file < 0 ? -1 : fcntl(file, F_DUPFD_CLOEXEC, 16);
   if (file >= 0) close(file);

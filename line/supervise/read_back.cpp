@@ -16,6 +16,7 @@ namespace {
 
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
+// The record counts addresses in 32 bits.
 constexpr std::uint64_t kFlashEnd = std::uint64_t{1} << 32;
 
 std::optional<std::uint64_t> NumberIn(std::string_view text) {
@@ -53,6 +54,7 @@ std::optional<AddressRange> ParseAddressRange(std::string_view text) {
 
 std::string WhyNoReadBack(const Setting& setting) {
   switch (setting.enumActionType) {
+    // All four leave the banks of the map in the flash. What else ispcopy writes is not compared.
     case CP_ISPTOOL_ACTION_ISP:
     case CP_ISPTOOL_ACTION_ISP_USER:
     case CP_ISPTOOL_ACTION_ISP_DIFF:
@@ -115,8 +117,9 @@ void ReadBack::Cut(std::uint64_t first, std::uint64_t end) {
   m_pieces = std::move(left);
 }
 
+// Neighbours become one range, because each range is a call of the plug-in.
 void ReadBack::JoinToRanges() {
-  std::uint64_t end = kFlashEnd;
+  std::uint64_t end = kFlashEnd;  // where no piece begins, so the first one starts a range
   for (const Piece& piece : m_pieces) {
     if (piece.address != end) {
       m_ranges.push_back({static_cast<std::uint32_t>(piece.address), 0});
@@ -129,6 +132,8 @@ void ReadBack::JoinToRanges() {
 bool ReadBack::Plan(const Setting& setting, const std::vector<AddressRange>& ignored,
                     std::string& error) {
   if (!AddBanks(setting, error)) return false;
+  // The flag lies over the bytes of the files, so it is cut out of them and expected in their
+  // place.
   if (setting.enumActionType == CP_ISPTOOL_ACTION_ISP_USER &&
       setting.stFlagSetting.ulFlagLength > 0) {
     const STRUCT_FLAG_SETTING& flag = setting.stFlagSetting;
@@ -163,6 +168,7 @@ ReadBack::Finding ReadBack::Compare(const Range& range, const std::string& dump)
     if (piece.address >= std::uint64_t{range.address} + range.length) break;
     const std::string expected = BytesOf(piece);
     const std::string actual = ReadAt(dump, piece.address - range.address, piece.length);
+    // A dump that is too short proves nothing, so it is a failure and not a difference.
     if (expected.size() != piece.length || actual.size() != piece.length) {
       finding.failure = "the plug-in dumped fewer bytes than it was asked for";
       return finding;

@@ -58,6 +58,7 @@ void StepRun::OnDumpResult(std::uint32_t code) {
   } else {
     finding = m_read_back.Compare(m_read_back.Ranges()[m_next_range], DumpFile());
   }
+  // At once: the dumps of a whole flash together would need its size on the disk.
   unlink(DumpFile().c_str());
   *m_result.compared_bytes += finding.compared_bytes;
   ++m_next_range;
@@ -75,6 +76,7 @@ void StepRun::FinishReadBack(const ReadBack::Finding& finding) {
                      "the flash holds the planned bytes"};
   if (!finding.failure.empty()) {
     verdict.outcome = Outcome::kFailed;
+    // Reading failed, which says nothing against what was programmed.
     verdict.state = m_end.state;
     verdict.meaning = finding.failure;
   } else if (finding.difference) {

@@ -11,6 +11,7 @@ namespace line {
 
 namespace {
 
+// More than any run needs. A plug-in that floods its host must not fill the disk with the record.
 constexpr std::uint64_t kMostMessages = 10000;
 
 std::string_view PathOf(const char (&text)[kPathCapacity]) {
@@ -26,6 +27,7 @@ std::string HolderOf(const Where& where) {
          std::to_string(geteuid()) + ")";
 }
 
+// zvisp programs the boot code first, so of its writing calls the first is the boot code's.
 Phase PhaseOf(const CallTrace& trace, bool boot_code) {
   if (trace.last == "GetKeyFromFlash") return Phase::kSignature;
   if (trace.last == "DumpFlash") return Phase::kReadBack;
@@ -90,6 +92,7 @@ void StepRun::OnJudged(const Frame& frame) {
   }
   m_words = std::move(*words);
   m_words.said = m_output.TakeText();
+  // It puts the private copies into the records, so everything below sees the copies.
   const ExitStatus status = m_request.approve(m_words, m_request);
   if (status != kExitPassed) {
     EndWithoutStart(status);
@@ -136,6 +139,7 @@ GoMessage StepRun::GoFor(const JudgedWords& words) const {
 }
 
 void StepRun::OnLocked() {
+  // Only with the lock: a run that had to wait in vain leaves no start in the record.
   m_request.on_start();
   m_end.started = true;
   m_started_ms = MonotonicMs();
@@ -189,6 +193,7 @@ void StepRun::AnswerCall(bool may) {
 }
 
 void StepRun::OnProgress(int percent) {
+  // A percentage from a plug-in can be anything, and often comes many times.
   if (percent < 0 || percent > 100 || m_result.last_percent == percent) return;
   m_result.last_percent = percent;
   Emit(ProgressEvent{percent, MonotonicMs() - m_started_ms});
@@ -221,6 +226,8 @@ void StepRun::ReportOutput(bool is_end) {
   Emit(std::move(event));
 }
 
+// Before the run begins there is nothing to end softly (see EndWithoutStart). Later a plug-in may
+// need its time to leave the display in order.
 void StepRun::EndWorker(Outcome why, std::uint64_t now_ms) {
   const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
   if (!runs || m_ended_by_us) return;

@@ -90,7 +90,7 @@ class StepRun {
   void Interrupt(std::uint64_t now_ms);
 
  private:
-  // A worker that was told to end gets SIGKILL after so long.
+  // A worker that should end (SIGTERM, or its Bye) gets SIGKILL after so long.
   static constexpr std::uint64_t kGraceMs = 10000;
 
   enum class Stage { kJudging, kLocking, kRunning, kReadingBack, kRecording, kEnding, kDone };
@@ -135,7 +135,7 @@ class StepRun {
   bool m_call_is_pending = false;
   std::size_t m_next_range = 0;
   std::uint64_t m_started_ms = 0;
-  std::uint64_t m_kill_at_ms = 0;  // 0: SIGTERM was not sent
+  std::uint64_t m_kill_at_ms = 0;  // 0: the worker was not asked to end
   std::optional<Outcome> m_ended_by_us;
   std::optional<ProcessEnd> m_process_end;
   std::uint64_t m_messages = 0;

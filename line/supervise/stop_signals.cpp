@@ -10,9 +10,11 @@ namespace line {
 
 namespace {
 
+// A handler may do next to nothing. It writes the number into a pipe, and the loop polls the pipe.
 int g_pipe[2] = {-1, -1};
 
 extern "C" void NoteSignal(int signal) {
+  // The code that was interrupted may be about to read errno.
   const int kept = errno;
   const auto byte = static_cast<unsigned char>(signal);
   static_cast<void>(!write(g_pipe[1], &byte, 1));
@@ -24,6 +26,7 @@ extern "C" void NoteSignal(int signal) {
 StopSignals::StopSignals() {
   if (pipe(g_pipe) == 0) {
     for (const int end : g_pipe) {
+      // A full pipe must not stop the handler: then there are signals enough to be read.
       fcntl(end, F_SETFL, O_NONBLOCK);
       fcntl(end, F_SETFD, FD_CLOEXEC);
     }
@@ -38,6 +41,7 @@ StopSignals::StopSignals() {
     sigaddset(&taken, signal);
     Kept kept = {signal, {}};
     sigaction(signal, nullptr, &kept.action);
+    // A signal that was ignored stays ignored: nohup and background jobs do that on purpose.
     if (signal != SIGCHLD && kept.action.sa_handler == SIG_IGN) continue;
     sigaction(signal, &action, nullptr);
     m_kept.push_back(kept);

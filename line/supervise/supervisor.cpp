@@ -12,7 +12,7 @@ namespace line {
 
 namespace {
 
-// Clocks, time-outs and what plug-ins print are looked after ten times a second.
+// Clocks, time-outs and what plug-ins print are served ten times a second.
 constexpr int kTickMs = 100;
 // A terminal that is closed sends SIGHUP twice, once itself and once by its shell; nobody asked a
 // second time for that.
@@ -47,6 +47,7 @@ void Supervisor::WaitForSomething(const std::vector<StepRun*>& steps) {
                                  {m_reporting.journal.WakeUpDescriptor(), POLLIN, 0}};
   for (const StepRun* const step : steps) {
     const short wanted = step->WantsToSend() ? POLLIN | POLLOUT : POLLIN;
+    // poll passes over a negative descriptor, so entry i + 2 always belongs to step i.
     entries.push_back({step->IsDone() ? -1 : step->Socket(), wanted, 0});
   }
   if (poll(entries.data(), static_cast<nfds_t>(entries.size()), kTickMs) <= 0) return;

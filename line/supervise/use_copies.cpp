@@ -58,6 +58,7 @@ bool CopyBanks(PrivateCopies& copies, STRUCT_C_STYLE_MAP_FW& map, std::string& e
     const std::wstring path = transform.ConvertUTF8StringToUnicode(copy);
     CopyWideToBuffer(path, kPathCapacity - 1, bank.wszPath, kPathCapacity);
     std::uint64_t& banks = counts[copy];
+    // The highest index of a file gives the number of its banks.
     banks = std::max<std::uint64_t>(banks, std::uint64_t{bank.ulFileBank} + 1);
   }
   for (const auto& [copy, banks] : counts) {

@@ -198,6 +198,7 @@ std::vector<Frame> WorkerProcess::TakeFrames() {
   while (std::optional<Frame> frame = TakeFrame(m_received, broken)) {
     frames.push_back(std::move(*frame));
   }
+  // Perhaps a plug-in has written to the socket. What follows cannot be trusted.
   if (broken) CloseSocket();
   return frames;
 }

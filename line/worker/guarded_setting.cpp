@@ -17,6 +17,7 @@ STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING* MakeGuardedSetting() {
   if (memory == MAP_FAILED) return nullptr;
   auto* const begin = static_cast<unsigned char*>(memory);
   if (mprotect(begin + pages, page, PROT_NONE) != 0) return nullptr;
+  // The record ends where the guard begins. Its size is a multiple of 8, so its start is aligned.
   void* const record = begin + pages - kRecord;
   return static_cast<STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING*>(record);
 }

@@ -25,6 +25,7 @@ void RecordLastWords(const GoMessage& go, const Verdict& verdict,
   result.code_source = verdict.code_source;
   result.meaning = verdict.meaning;
   session.Emit(where, result);
+  // The unit's result says whether the step's result is on the disk, so it waits for it.
   const bool recorded = journal->WaitFor(sink.Last());
   UnitResultEvent unit_result;
   unit_result.outcome = verdict.outcome;
@@ -32,6 +33,7 @@ void RecordLastWords(const GoMessage& go, const Verdict& verdict,
   unit_result.attempt = go.attempt;
   unit_result.failed_step = verdict.outcome == Outcome::kPassed ? "" : go.step;
   unit_result.recorded = recorded;
+  // A result of the unit belongs to none of its steps.
   where.step.clear();
   where.step_index.reset();
   session.Emit(where, unit_result);

@@ -21,6 +21,8 @@ constexpr std::size_t kBanksAt =
 constexpr std::size_t kBankSize = sizeof(STRUCT_C_STYLE_FW_BANK_SETTING);
 constexpr std::size_t kAfterBanks = offsetof(Setting, stFlagSetting);
 
+// Every field of the raw arguments. One that is missing here arrives in the parent with its
+// default, and no compiler notices.
 // clang-format off
 constexpr std::uint32_t Args::*kWords[] = {
   &Args::ulActionBits, &Args::ulSignatureTypeBits, &Args::ulInformationBits,
@@ -75,6 +77,7 @@ void WriteSlots(ByteWriter& writer, const FwBankMap& slots) {
 void ReadSlots(ByteReader& reader, FwBankMap& slots) {
   std::uint32_t count = 0;
   reader(count);
+  // The bytes come from another process, so their count is not trusted.
   for (std::uint32_t i = 0; i < count && i < kMapFwCapacity; ++i) {
     WireSlot slot;
     slot.Fields(reader);
@@ -99,6 +102,7 @@ std::optional<Frame> TakeFrame(std::string& bytes, bool& broken) {
   if (bytes.size() < kFrameHeader) return std::nullopt;
   std::uint32_t header[2] = {};
   std::memcpy(header, bytes.data(), kFrameHeader);
+  // A length that no sender uses: what was read is not the start of a frame.
   broken = header[0] > kLongestPayload;
   if (broken || bytes.size() - kFrameHeader < header[0]) return std::nullopt;
   Frame frame = {static_cast<MessageType>(header[1]), bytes.substr(kFrameHeader, header[0])};

@@ -15,7 +15,7 @@ namespace {
 #ifdef MSG_NOSIGNAL
 constexpr int kNoSignal = MSG_NOSIGNAL;
 #else
-constexpr int kNoSignal = 0;  // a send to the socket says so itself, see below
+constexpr int kNoSignal = 0;  // the constructor sets it for the whole socket
 #endif
 
 }  // namespace

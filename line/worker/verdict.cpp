@@ -67,6 +67,7 @@ Verdict AfterReadingCall(std::uint32_t code, const Wanted& wanted) {
 bool CallTrace::Begin(std::string_view name) {
   constexpr std::uint32_t kProgramsEeprom = EDP_ISP_MODE_ISP;
   last = name;
+  // Entering ISP mode and a reset leave the firmware as it is.
   const bool writes = name == "IspFlash" || name == "RecordFWVersion" ||
                       (name == "IspEeprom" && edp_mode == kProgramsEeprom);
   writing += writes ? 1 : 0;

@@ -73,6 +73,7 @@ void BeforeCall(const char* name) {
     // The plug-in has not been called, whatever the parent has recorded meanwhile.
     EndAlone(JudgeMissingResult(g_trace, Outcome::kInterrupted, kParentGone), {});
   }
+  // The parent reports why.
   if (!answer->may) End();
   g_trace.Begin(name);
 }

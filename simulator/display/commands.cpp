@@ -10,11 +10,14 @@
 namespace simulator {
 namespace {
 
+// The tool calls IspFlash for these actions only. Any other record is a mistake of its host, and a
+// display must not be written by mistake.
 bool IsProgramming(std::uint32_t action) {
   return (action >= CP_ISPTOOL_ACTION_ISP && action <= CP_ISPTOOL_ACTION_ISP_COPY) ||
          action == CP_ISPTOOL_ACTION_FACTORY_ISP;
 }
 
+// A longer text would make a state file that the next run cannot read.
 Outcome TooLong(std::size_t length) {
   return Refuse(Code::kIllegalRecord,
                 Format("a version of %zu characters is too long to record, at most %zu fit", length,
@@ -27,6 +30,8 @@ Outcome VersionInFlash(const Display& display, const STRUCT_READ_VERSION_FROM_FL
     return Refuse(Code::kOutsideFlash,
                   Format("the version at 0x%X is outside its flash", where.ulVerAddr));
   }
+  // Checked before the bytes are read, because their text is three characters for each byte.
+  // RecordVersion checks the whole text.
   if (where.ulTotalVerLen > kRecordedVersionLimit) return TooLong(where.ulTotalVerLen);
   BankBytes bytes(where.ulTotalVerLen);
   Outcome read = display.Read(where.ulVerAddr, where.ulTotalVerLen, bytes.data());
@@ -37,6 +42,7 @@ Outcome VersionInFlash(const Display& display, const STRUCT_READ_VERSION_FROM_FL
   return read;
 }
 
+// A firmware file of the simulator carries no version, so its checksum serves as one.
 Outcome VersionOfFirmware(const STRUCT_C_STYLE_MAP_FW& map, std::string& version) {
   ProgramPlan plan;
   if (Outcome planned = PlanFirmware(map, plan); !planned.Ok()) return planned;
@@ -48,6 +54,8 @@ Outcome VersionOfFirmware(const STRUCT_C_STYLE_MAP_FW& map, std::string& version
   return Done();
 }
 
+// The other places (a register, DDC/CI, a command) are ways to ask a real chip. A simulated one has
+// the same answer for all of them.
 Outcome ChooseVersion(const Display& display, const Setting& setting, std::string& version) {
   switch (setting.enumVersionLocationType) {
     case VERSION_LOCATION_FLASH:
@@ -76,11 +84,13 @@ Outcome ProgramFlash(Display& display, const Setting& setting, const Host& host)
     return Refuse(Code::kUnsupportedAction,
                   Format("action %u programs no flash", setting.enumActionType));
   }
+  // Everything that can be refused is refused here, before the first bank is erased.
   ProgramPlan plan;
   if (Outcome planned = PlanProgramming(display, setting, plan); !planned.Ok()) return planned;
   std::size_t programmed = 0;
   Outcome done = RunPlan(display, plan, host, programmed);
   if (!done.Ok()) return done;
+  // Only this action skips banks, so only here does the number of all banks say something.
   if (setting.enumActionType == CP_ISPTOOL_ACTION_ISP_DIFF) {
     return Done(Format("%zu of %zu banks rewritten", programmed, plan.size()));
   }
@@ -100,6 +110,7 @@ Outcome ReadVerifyKey(Display& display, unsigned char* key) {
   if (key == nullptr) return Refuse(Code::kIllegalRecord, "no buffer for the verify key");
   std::string stored;
   if (Outcome read = display.ReadKey(kDeviceKeyCapacity, stored); !read.Ok()) return read;
+  // The signer takes the text up to the first zero and refuses anything after it.
   std::fill(std::copy(stored.begin(), stored.end(), key), key + kDeviceKeyCapacity, 0);
   return Done(Format("verify key of %zu bytes read", stored.size()));
 }
@@ -112,6 +123,7 @@ Outcome ProgramEeprom(Display& display, const Setting& setting, const Host&) {
   State& state = display.GetState();
   switch (setting.enumEdpIspMode) {
     case EDP_ISP_MODE_ISP:
+      // The tool has no file for the EEPROM, so the version is all that programming can change.
       ++state.eeprom_version;
       return Store(display, "write eeprom",
                    Format("e-DP EEPROM programmed, version %u", state.eeprom_version));
@@ -137,6 +149,7 @@ Outcome ResetMcu(Display& display, const Setting&, const Host&) {
 
 Outcome ReadScalerType(Display& display, const Setting&, const Host&) {
   const std::uint32_t type = display.GetIdentity().scaler_type;
+  // A type is not a failure: `why` is empty, so the outcome counts as success whatever the code.
   return {type, "", Format("scaler type %u", type)};
 }
 

@@ -10,6 +10,7 @@
 namespace simulator {
 namespace {
 
+// Of a line as LineOf writes it: three columns of 3, 10 and 10 digits, two blanks and a newline.
 constexpr std::size_t kLineBytes = 26;
 constexpr std::size_t kFileBytes = kLineBytes * kBankCount;
 
@@ -28,6 +29,7 @@ BankCount ParseLine(const std::string& line, std::uint32_t bank) {
 
 bool Counters::Open(const std::string& path) {
   m_file = OpenWithoutLink(path, O_RDWR | O_CREAT);
+  // A new or shorter file leaves blanks here, which read as counts of 0.
   std::string text(kFileBytes, ' ');
   if (!m_file.IsOpen() || ReadAt(m_file.Get(), text.data(), text.size(), 0) < 0) return false;
 
@@ -36,6 +38,7 @@ bool Counters::Open(const std::string& path) {
     m_counts[bank] = ParseLine(text.substr(bank * kLineBytes, kLineBytes), bank);
     sound += LineOf(bank, m_counts[bank]);
   }
+  // A sound file is left alone, so that a call that programs nothing writes nothing.
   return sound == text || WriteAt(m_file.Get(), sound.data(), sound.size(), 0);
 }
 

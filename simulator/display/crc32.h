@@ -9,7 +9,7 @@
 
 namespace simulator {
 
-// Goes on from `crc`, the value of the bytes before; 0 to begin.
+// Continues from `crc`, the value of the bytes before; 0 to begin.
 std::uint32_t Crc32(const std::uint8_t* bytes, std::size_t length, std::uint32_t crc = 0);
 
 }  // namespace simulator

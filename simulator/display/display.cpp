@@ -12,9 +12,10 @@
 namespace simulator {
 namespace {
 
+// Far more than an operator writes. A larger file is something else under this name.
 constexpr std::size_t kSettingsLimit = 65536;
 
-// Every kind of file that a display has.
+// Every kind of file that a display has. A dump onto any of them is refused (IsFileOfADisplay).
 constexpr const char* kKinds[] = {"flash",    "journal", "counters", "state",
                                   "identity", "key",     "faults"};
 
@@ -37,12 +38,15 @@ Outcome Display::Open(unsigned comm_id, std::unique_ptr<Display>& display) {
   const std::string path = DisplayFile(directory, comm_id, "flash");
   FileHandle flash = OpenWithoutLink(path, O_RDWR | O_CREAT);
   if (!flash.IsOpen()) return StorageFailure(path);
+  // The flash file is the lock, because every call opens it. The file handle keeps the lock, so it
+  // ends with the display or with the process.
   if (flock(flash.Get(), LOCK_EX | LOCK_NB) != 0) {
     return errno == EWOULDBLOCK ? Refuse(Code::kBusy, "in use by another run")
                                 : StorageFailure(path);
   }
 
   std::unique_ptr<Display> opened(new Display(directory, comm_id, std::move(flash)));
+  // Files are loaded under the lock: another run may have changed them until now.
   Outcome outcome = opened->LoadFiles();
   if (outcome.Ok()) display = std::move(opened);
   return outcome;
@@ -62,9 +66,11 @@ Outcome Display::EraseBank(std::uint32_t bank) {
 
 Outcome Display::WriteBank(std::uint32_t bank, const BankBytes& bytes) {
   if (Outcome fault = m_faults.Strike(Step::kWrite, bank); !fault.Ok()) return fault;
+  // As above: a line too many is harmless, a missing one would hide a change.
   if (Outcome noted = Note(Format("write bank=%u", bank)); !noted.Ok()) return noted;
   if (!m_counters.CountWrite(bank)) return StorageFailure(PathOf("counters"));
   if (!m_flash.ProgramBank(bank, bytes)) return StorageFailure(PathOf("flash"));
+  // After the bank was written, as a cell that loses its charge does.
   const auto bit = m_faults.FlippedBit(bank);
   return !bit || m_flash.FlipBit(bank, *bit) ? Done() : StorageFailure(PathOf("flash"));
 }
@@ -74,6 +80,7 @@ Outcome Display::VerifyBank(std::uint32_t bank, const BankBytes& bytes) {
   BankBytes stored;
   if (!m_flash.ReadBank(bank, stored)) return StorageFailure(PathOf("flash"));
   const bool same = stored == bytes && !m_faults.VerifyFails(bank);
+  // `verify` makes a good bank fail. `lie` makes a bad one pass.
   const bool lie = !same && m_faults.VerifyLies(bank);
   // The journal tells the truth even when the display does not.
   const char* const verdict = same ? "ok" : (lie ? "lie" : "mismatch");
@@ -89,6 +96,7 @@ Outcome Display::Read(std::uint32_t address, std::uint32_t length, std::uint8_t*
 Outcome Display::ReadKey(std::size_t capacity, std::string& key) const {
   const ReadResult result = ReadSmallFile(PathOf("key"), capacity, key);
   if (result == ReadResult::kRead && !key.empty()) return Done();
+  // ReadSmallFile fails for a file that is too long as well as for one that cannot be opened.
   const char* const why =
       result == ReadResult::kFailed ? " cannot be used as a verify key" : " holds no verify key";
   return Refuse(Code::kNoKey, PathOf("key") + why);
@@ -100,6 +108,7 @@ Outcome Display::SaveState() const {
 }
 
 bool Display::IsFileOfADisplay(const struct stat& look) const {
+  // All displays, not this one alone: their files are in the same directory.
   for (unsigned comm_id = 0; comm_id <= kMaxCommId; ++comm_id) {
     for (const char* const kind : kKinds) {
       if (IsFileAt(DisplayFile(m_directory, comm_id, kind), look)) return true;
@@ -116,6 +125,8 @@ Outcome Display::LoadFiles() {
   LoadState();
   if (Outcome opened = OpenJournal(); !opened.Ok()) return opened;
   if (!m_counters.Open(PathOf("counters"))) return StorageFailure(PathOf("counters"));
+  // Saved at once, so that a run that is killed later has still counted its call. Faults are chosen
+  // by this count.
   if (Outcome saved = SaveState(); !saved.Ok()) return saved;
   return LoadSettings();
 }

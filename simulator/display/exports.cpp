@@ -15,7 +15,7 @@ simulator::Host g_host;
 }  // namespace
 
 void SetUIFunction(ZvReturnProgress progress, ZvShowMessage message, ZvGetHubDevice) {
-  // A simulated display never sits behind a hub.
+  // A simulated display is never connected through a hub.
   g_host = {progress, message};
 }
 

@@ -73,6 +73,8 @@ bool ApplyNumber(std::string_view key, std::string_view value, Fault& fault) {
   if (key == "ms") fault.ms = *number;
   if (key == "bit") fault.bit = *number;
   if (key == "code") fault.code = *number;
+  // The exit status of the tool is the low 8 bits of the code: without them, a failure would look
+  // like a success.
   return fault.bit < kBankBits && (fault.code & 0xFFU) != 0;
 }
 
@@ -98,6 +100,7 @@ bool ParseFault(std::string_view line, Fault& fault) {
   return true;
 }
 
+// A bank is first touched by its erasure, or by a dump that reads it.
 bool StrikesAtStep(const Fault& fault, Step step) {
   if (fault.kind == FaultKind::kSlow) return step == Step::kErase || step == Step::kRead;
   if (fault.at) return *fault.at == step;
@@ -153,6 +156,7 @@ Outcome Faults::Strike(Step step, std::uint32_t bank) const {
   for (const Fault& fault : m_faults) {
     if (!StrikesAtStep(fault, step) || fault.bank.value_or(bank) != bank) continue;
     Outcome outcome = Happen(fault, step, bank);
+    // A `slow` fault lets the call continue, and a later line of the file may still end it.
     if (!outcome.Ok()) return outcome;
   }
   return Done();

@@ -8,11 +8,11 @@
 //   no-answer  [call=N] [bank=N] [at=STEP] [ms=N]    after ms (0) the call ends with 0x5A29 when it
 //                                                    begins, with 0x5A30 at a bank
 //   flip       [call=N] [bank=N] [bit=N]             bit N (0) of the bank turns over when written
-//   lie        [call=N] [bank=N] [bit=N]             the same, and the comparison passes all the
-//   same verify     [call=N] [bank=N]                     the bank compares as different after
-//   writing slow       [call=N] [bank=N] [ms=N]              each bank takes ms (10) longer hang
-//   [call=N] [bank=N] [at=STEP]           the call never returns crash      [call=N] [bank=N]
-//   [at=STEP]           the process aborts
+//   lie        [call=N] [bank=N] [bit=N]             the same, and the comparison passes
+//   verify     [call=N] [bank=N]                     the bank compares as different after writing
+//   slow       [call=N] [bank=N] [ms=N]              each bank takes ms (10) longer
+//   hang       [call=N] [bank=N] [at=STEP]           the call never returns
+//   crash      [call=N] [bank=N] [at=STEP]           the process aborts
 //
 // call: only in the display's N-th call, counted as in its state file. bank: only at bank N.
 // at: just before that step of a bank: erase, write, verify or read (of a dump). A fault with
@@ -52,7 +52,7 @@ class Faults {
   // Keeps those that hold in this call.
   Faults(const std::vector<Fault>& faults, std::uint32_t call);
 
-  // Lets the faults strike that stand at this point; kCall has no bank. Waits, hangs, aborts, or
+  // Lets the faults of this point strike; kCall has no bank. Waits, hangs, aborts, or
   // returns the outcome that ends the call.
   Outcome Strike(Step step, std::uint32_t bank = 0) const;
 

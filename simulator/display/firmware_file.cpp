@@ -16,6 +16,7 @@ Outcome FirmwareFile::Open(const std::string& path) {
 }
 
 Outcome FirmwareFile::ReadBank(std::uint32_t file_bank, BankBytes& out) const {
+  // A short last bank keeps 0xFF after its bytes: the cells that stay erased.
   out.assign(kBankBytes, kErased);
   const ssize_t got =
       ReadAt(m_file.Get(), out.data(), out.size(), static_cast<off_t>(file_bank) * kBankBytes);

@@ -21,6 +21,7 @@ off_t SizeOf(const FileHandle& file) {
 }  // namespace
 
 bool Flash::Read(std::uint32_t address, std::uint32_t length, std::uint8_t* out) const {
+  // The file ends with the last programmed bank. What comes after its end is erased.
   const ssize_t got = ReadAt(m_file.Get(), out, length, static_cast<off_t>(address));
   if (got < 0) return false;
   std::fill(out + got, out + length, kErased);
@@ -35,6 +36,7 @@ bool Flash::ReadBank(std::uint32_t bank, BankBytes& out) const {
 bool Flash::EraseBank(std::uint32_t bank) {
   const off_t size = SizeOf(m_file);
   if (size < 0) return false;
+  // After the end of the file every bank is erased already, and the file stays short.
   if (size <= OffsetOf(bank)) return true;
   const BankBytes erased(kBankBytes, kErased);
   return WriteAt(m_file.Get(), erased.data(), erased.size(), OffsetOf(bank));
@@ -43,6 +45,8 @@ bool Flash::EraseBank(std::uint32_t bank) {
 bool Flash::ProgramBank(std::uint32_t bank, const BankBytes& bytes) {
   BankBytes cells;
   if (!FillUpTo(OffsetOf(bank)) || !ReadBank(bank, cells)) return false;
+  // Programming a NOR flash clears bits and never sets one. A bank that was not erased first ends
+  // up wrong, and the comparison finds it.
   std::transform(cells.begin(), cells.end(), bytes.begin(), cells.begin(),
                  [](std::uint8_t cell, std::uint8_t byte) -> std::uint8_t { return cell & byte; });
   return WriteAt(m_file.Get(), cells.data(), cells.size(), OffsetOf(bank));
@@ -56,6 +60,8 @@ bool Flash::FlipBit(std::uint32_t bank, std::uint32_t bit) {
   return WriteAt(m_file.Get(), cells.data(), cells.size(), OffsetOf(bank));
 }
 
+// A gap would read as zeros, which are programmed cells. Filled from the low end, so that a run
+// that is killed leaves no gap either.
 bool Flash::FillUpTo(off_t offset) {
   off_t size = SizeOf(m_file);
   if (size < 0) return false;

@@ -10,7 +10,7 @@
 namespace simulator {
 namespace {
 
-// Any object of this library tells the loader which library is meant.
+// The loader finds the library by the address of any object in it.
 const char kAnchor = 0;
 
 std::string OwnDirectory() {

@@ -12,6 +12,7 @@ void Host::Say(const std::string& line) const {
     std::printf("%s\n", line.c_str());
     return;
   }
+  // The callback takes a pointer to text that it could change, so it gets a copy.
   std::wstring text = ToWide(line);
   message(text.data());
 }
@@ -26,6 +27,7 @@ void Progress::Advance(std::size_t parts) {
 }
 
 void Progress::Report(int percent) {
+  // Many parts may fall on one percentage; the host hears of it once.
   if (m_host.progress == nullptr || percent <= m_reported) return;
   m_reported = percent;
   m_host.progress(percent);

@@ -6,6 +6,7 @@
 namespace simulator {
 namespace {
 
+// An unknown key is refused: a slip in its name would leave the default without a word.
 bool ApplyLine(std::string_view line, Identity& identity) {
   const auto pair = SplitKeyValue(line);
   if (!pair) return false;

@@ -6,6 +6,7 @@
 namespace simulator {
 namespace {
 
+// With the carriage return, because an editor on another system may have written the file.
 constexpr std::string_view kBlanks = " \t\r";
 
 }  // namespace
@@ -42,6 +43,7 @@ std::optional<std::uint32_t> ParseNumber(std::string_view text) {
   }
   std::uint32_t number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
+  // A number with something after it is a slip, such as "10ms".
   const bool whole = error == std::errc() && end == text.data() + text.size();
   return whole ? std::optional<std::uint32_t>(number) : std::nullopt;
 }

@@ -9,6 +9,7 @@ namespace simulator {
 std::string Format(const char* format, ...) {
   va_list args;
   va_start(args, format);
+  // The first pass only measures, and uses its arguments up.
   va_list again;
   va_copy(again, args);
   const int length = std::vsnprintf(nullptr, 0, format, args);

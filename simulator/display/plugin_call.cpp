@@ -8,7 +8,7 @@
 namespace simulator {
 namespace {
 
-// The fields that only one action looks at.
+// The fields that only one action uses.
 std::string DescribeAction(const Setting& setting) {
   switch (setting.enumActionType) {
     case CP_ISPTOOL_ACTION_ISP_USER:
@@ -51,6 +51,8 @@ Outcome WorkOnDisplay(const char* name, const Setting& setting, const Host& host
 
   Outcome outcome = display->GetFaults().Strike(Step::kCall);
   if (outcome.Ok()) outcome = work(*display);
+  // A call that was refused is ended in the journal, too. Its own reason is worth more to the
+  // operator than a journal that cannot be written.
   if (Outcome noted = display->Note(Format("end n=%u code=0x%X", number, outcome.code));
       outcome.Ok() && !noted.Ok()) {
     return noted;
@@ -67,6 +69,7 @@ int Call(const char* name, const Setting* setting, const Host& host, Work work) 
     if (!outcome.done.empty()) host.Say(NameOf(*setting, true) + outcome.done);
     return static_cast<int>(outcome.code);
   } catch (const std::bad_alloc&) {
+    // The host may be built with another compiler, so no exception may cross the edge.
     std::puts("Display: out of memory");
     return static_cast<int>(Code::kOutOfMemory);
   }

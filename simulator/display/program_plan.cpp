@@ -18,6 +18,7 @@ Outcome CheckTargets(const STRUCT_C_STYLE_MAP_FW& map) {
   if (map.ulCount == 0) {
     return Refuse(Code::kNothingToProgram, "the firmware map is empty, nothing to program");
   }
+  // The count has been checked: the array has as many entries.
   const std::uint32_t* const end = map.ulTargetBank + map.ulCount;
   const std::uint32_t* const outside =
       std::find_if(map.ulTargetBank, end, [](std::uint32_t bank) { return bank >= kBankCount; });
@@ -25,16 +26,19 @@ Outcome CheckTargets(const STRUCT_C_STYLE_MAP_FW& map) {
     return Refuse(Code::kOutsideFlash, Format("bank %u is outside its %u banks", *outside,
                                               static_cast<unsigned>(kBankCount)));
   }
+  // Two equal targets would erase a bank that was just programmed.
   const bool ascending =
       std::adjacent_find(map.ulTargetBank, end, std::greater_equal<std::uint32_t>()) == end;
   return ascending ? Done() : Refuse(Code::kIllegalRecord, "the firmware map does not ascend");
 }
 
 Outcome AddCopies(ProgramPlan& plan) {
+  // The banks ascend, so the last one is the highest.
   if (plan.back().bank >= kCopyDistance) {
     return Refuse(Code::kOutsideFlash,
                   Format("bank %u leaves no room for its copy", plan.back().bank));
   }
+  // The loop below lengthens the plan, so it counts to the length before.
   const std::size_t originals = plan.size();
   plan.reserve(2 * originals);
   for (std::size_t i = 0; i < originals; ++i) {
@@ -48,6 +52,7 @@ Outcome AddCopies(ProgramPlan& plan) {
 // The job of a bank; one that keeps what the display holds there when the firmware has none.
 Outcome FindOrAddJob(const Display& display, std::uint32_t bank, ProgramPlan& plan,
                      ProgramPlan::iterator& job) {
+  // The first job at or above the bank: the place where a new one keeps the order.
   job = std::find_if(plan.begin(), plan.end(), [bank](const BankJob& j) { return j.bank >= bank; });
   if (job != plan.end() && job->bank == bank) return Done();
   job = plan.insert(job, BankJob{bank, BankBytes(kBankBytes), true});
@@ -62,6 +67,7 @@ Outcome AddUserFlag(const Display& display, const STRUCT_FLAG_SETTING& flag, Pro
     return Refuse(Code::kOutsideFlash,
                   Format("the user flag at 0x%X is outside its flash", flag.ulFlagAddr));
   }
+  // Byte by byte, because a flag may lie across two banks.
   for (std::uint32_t i = 0; i < flag.ulFlagLength; ++i) {
     const std::uint32_t address = flag.ulFlagAddr + i;
     ProgramPlan::iterator job;
@@ -105,6 +111,7 @@ Outcome PlanFirmware(const STRUCT_C_STYLE_MAP_FW& map, ProgramPlan& plan) {
   plan = ProgramPlan(map.ulCount);
   for (std::uint32_t i = 0; i < map.ulCount; ++i) {
     plan[i].bank = map.ulTargetBank[i];
+    // Read together with an earlier entry of the same file.
     if (!plan[i].bytes.empty()) continue;
     if (Outcome read = ReadFile(map, paths, i, plan); !read.Ok()) return read;
   }

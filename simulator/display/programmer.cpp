@@ -17,6 +17,8 @@ Outcome ProgramBank(Display& display, const BankJob& job, Progress& progress) {
   return Done();
 }
 
+// The bank is read from the flash itself: what an earlier run recorded is no proof of what is
+// there.
 Outcome MayBeSkipped(const Display& display, const BankJob& job, bool& skip) {
   skip = false;
   if (!job.only_if_different) return Done();
@@ -30,6 +32,7 @@ Outcome RunJob(Display& display, const BankJob& job, Progress& progress, std::si
   bool skip = false;
   if (Outcome read = MayBeSkipped(display, job, skip); !read.Ok()) return read;
   if (skip) {
+    // A skipped bank counts as done, or the progress would not reach 100.
     progress.Advance(kPartsOfABank);
     return display.Note(Format("skip bank=%u", job.bank));
   }

@@ -14,8 +14,8 @@ namespace simulator {
 
 // Erases, writes and verifies each bank of the plan before it continues with the next, so that a
 // run that ends early leaves the later banks as they were. Reports the progress after each of the
-// three.
-// `programmed` is how many banks were programmed and not skipped. Stops at the first refusal.
+// three. Stops at the first refusal. `programmed` is how many banks were programmed, without those
+// that were skipped.
 Outcome RunPlan(Display& display, const ProgramPlan& plan, const Host& host,
                 std::size_t& programmed);
 

@@ -16,6 +16,7 @@ State ParseState(std::string_view text) {
   State state;
   for (const TextLine& line : SplitLines(text)) {
     const auto pair = SplitKeyValue(line.text);
+    // Not refused: a damaged line must not make the display unusable.
     if (!pair) continue;
     if (pair->key == "calls") state.calls = ParseNumber(pair->value).value_or(0);
     if (pair->key == "resets") state.resets = ParseNumber(pair->value).value_or(0);

@@ -45,6 +45,7 @@ ssize_t ReadAt(int descriptor, void* buffer, std::size_t length, off_t offset) {
   while (done < length) {
     const ssize_t got = pread(descriptor, static_cast<char*>(buffer) + done, length - done,
                               offset + static_cast<off_t>(done));
+    // The end of the file. Less than the length is a result here, not a failure.
     if (got == 0) break;
     if (got < 0 && errno != EINTR) return -1;
     if (got > 0) done += static_cast<std::size_t>(got);
@@ -75,6 +76,7 @@ bool WriteText(int descriptor, std::string_view text) {
 ReadResult ReadSmallFile(const std::string& path, std::size_t limit, std::string& content) {
   const FileHandle file = OpenFile(path, O_RDONLY);
   if (!file.IsOpen()) return errno == ENOENT ? ReadResult::kMissing : ReadResult::kFailed;
+  // One byte more than allowed, which shows that a file is too long without asking for its size.
   content.resize(limit + 1);
   const ssize_t got = ReadAt(file.Get(), content.data(), content.size(), 0);
   if (got < 0 || static_cast<std::size_t>(got) > limit) return ReadResult::kFailed;
@@ -91,6 +93,7 @@ bool ReplaceFile(const std::string& path, const std::string& fresh, std::string_
       std::rename(fresh.c_str(), path.c_str()) == 0) {
     return true;
   }
+  // The caller reports the reason of the failure, not that of the clean-up.
   const int reason = errno;
   unlink(fresh.c_str());
   errno = reason;

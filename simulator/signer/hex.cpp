@@ -4,6 +4,7 @@
 namespace signer {
 namespace {
 
+// Lower case only: each value has one spelling, so a signature file cannot change unnoticed.
 constexpr std::string_view kDigits = "0123456789abcdef";
 
 }  // namespace

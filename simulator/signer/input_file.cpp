@@ -26,6 +26,7 @@ bool InputFile::Open(std::size_t limit) {
 }
 
 bool InputFile::ReadInto(unsigned char* bytes) const {
+  // A file that somebody writes at this moment would be read half old and half new.
   struct stat after = {};
   const ssize_t count = simulator::ReadAt(m_file.Get(), bytes, Size(), 0);
   if (count < 0 || !simulator::LookAt(m_file, after)) return RefuseReading();

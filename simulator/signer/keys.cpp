@@ -137,6 +137,7 @@ bool Sign(EVP_PKEY* key, const WipedBytes& message, SignatureValue& signature) {
   return Refuse("signing failed in libcrypto");
 }
 
+// Whatever fails here counts as not genuine: there is no third answer.
 bool IsGenuine(const VerifyKey& key, const WipedBytes& message, const SignatureValue& signature) {
   const ContextHandle context(EVP_MD_CTX_new());
   const KeyHandle handle = HandleOf(key);

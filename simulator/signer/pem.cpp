@@ -71,6 +71,7 @@ bool DecodeDigits(const unsigned char* digits, std::size_t count, WipedBytes& de
   if (count == 0 || count % 4 != 0) return false;
   WipedBytes decoded(count / 4 * 3);
   if (EVP_DecodeBlock(decoded.Data(), digits, static_cast<int>(count)) < 0) return false;
+  // The decoder counts the bytes of the padding, too.
   der = WipedBytes(decoded.Size() - PaddingOf(digits, count));
   std::copy_n(decoded.Data(), der.Size(), der.Data());
   WipedBytes encoded(count + 1);

@@ -7,6 +7,7 @@
 namespace signer {
 namespace {
 
+// One line with the name of the signer in front, because zvisp prints its own lines around it.
 [[gnu::format(printf, 1, 0)]] void PrintLine(const char* format, va_list arguments) {
   std::printf("Reference signer: ");
   std::vprintf(format, arguments);

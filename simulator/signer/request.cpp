@@ -23,6 +23,7 @@ constexpr char kSignKey[] = "sign key";
 constexpr char kVerifyKey[] = "verify key";
 constexpr char kNextVerifyKey[] = "next verify key";
 
+// A field that its host filled to the last byte has no terminating zero.
 std::string TextOf(const char (&field)[kSignTextCapacity]) {
   return std::string(field, strnlen(field, sizeof field));
 }
@@ -49,6 +50,8 @@ bool RefuseMode(const Args& args) {
   return Refuse("software mode %u is none of 1 to 4", args.enumSwMode);
 }
 
+// In software, each mode has one place for its sign key. A key that is missing there is not
+// replaced by another one.
 bool ChooseSoftwareSignKey(const Args& args, KeyHandle& key) {
   switch (args.enumSwMode) {
     case CP_DIGITAL_SIGNATURE_SW_MODE_TAVERO:
@@ -70,6 +73,7 @@ bool ChooseSignKey(const Args& args, KeyHandle& key) {
   return file.empty() ? TakeTrainingKey(args.nKeyPairIndex, key) : ReadSignKey(kSignKey, file, key);
 }
 
+// The pair is made anew each time, so no public half of it is stored that could differ.
 bool TakeTrainingVerifyKey(int index, VerifyKey& key) {
   KeyHandle pair;
   return TakeTrainingKey(index, pair) && VerifyKeyOf(pair.get(), key);
@@ -113,6 +117,7 @@ bool BelongsToScheme(const Args& args, const Signature& signature) {
              : Refuse("the signature binds no next verify key, as software mode 4 requires");
 }
 
+// Without a file there is nothing to compare with; the signature covers the key that it binds.
 bool BindsTheGivenKey(const Args& args, const Signature& signature) {
   const std::string file = TextOf(args.szNextVerifyKeyFile);
   if (!signature.next_verify_key || file.empty()) return true;
@@ -136,6 +141,7 @@ bool SignFirmware(const Args& args) {
     return false;
   }
   WipedBytes message;
+  // The file is written last, so a request that fails leaves an older signature as it was.
   return ReadMessage(SignedLines(signature), firmware, message) &&
          Sign(key.get(), message, signature.value) &&
          WriteSignatureFile(TextOf(args.szSignatureFile), FormatSignatureFile(signature),

@@ -48,6 +48,8 @@ bool ParseNextVerifyKey(std::string_view text, std::optional<VerifyKey>& key) {
 }
 
 bool ParseFields(std::string_view text, Signature& signature) {
+  // One order, one spelling, nothing after the last line. So no byte of the file can change without
+  // a refusal, the signature's own line included.
   std::string_view type, next_verify_key, value;
   return TakeLine(text, kType, type) && TakeLine(text, kNextVerifyKey, next_verify_key) &&
          TakeLine(text, kSignature, value) && text.empty() && ParseType(type, signature.type) &&
@@ -79,6 +81,7 @@ bool ReadSignatureFile(const std::string& path, Signature& signature) {
   std::string_view version;
   if (!TakeLine(text, kTitle, version))
     return Refuse("this is not a signature file: %s", path.c_str());
+  // Apart from damage, because a newer signer may have written the file.
   if (version != kVersion) {
     return Refuse("the signature file has another version than 1: %s", path.c_str());
   }

@@ -29,7 +29,7 @@ struct Signature {
   SignatureValue value = {};
 };
 
-// The lines that stand before the signature and are signed with the firmware.
+// The lines that come before the signature and are signed with the firmware.
 std::string SignedLines(const Signature& signature);
 
 // The whole file.

@@ -17,6 +17,7 @@ bool TakeTrainingKey(int index, KeyHandle& key) {
   if (index < 0 || index >= kPairs) {
     return Refuse("there is no training key pair %d, only 0 to %d", index, kPairs - 1);
   }
+  // Derived from a public sentence: nobody can take such a key for a secret one.
   const std::string name = "Zorvane training key pair " + std::to_string(index);
   const std::string text = name + ", never for production";
   unsigned char seed[kKeyBytes];

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Bytes on the heap that are wiped before they are given back. Everything that the signer reads is
-// held so: a private key may stand in any file that an operator names.
+// held so: a private key may be in any file that an operator names.
 #ifndef ZVISP_SIMULATOR_SIGNER_WIPED_BYTES_H_
 #define ZVISP_SIMULATOR_SIGNER_WIPED_BYTES_H_
 

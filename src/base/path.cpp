@@ -24,6 +24,7 @@ constexpr std::size_t kResolvedPathCapacity = 40960;
 
 // Keeps the text up to and including its last separator; "./" when it has none.
 void CutAfterLastSeparator(char* path) {
+  // Kept quirk: without a "/", a "\" counts, although it can be part of a name here.
   char* separator = std::strrchr(path, '/');
   if (separator == nullptr) separator = std::strrchr(path, '\\');
   if (separator == nullptr) {
@@ -36,6 +37,7 @@ void CutAfterLastSeparator(char* path) {
 void ReadImageDirectory(const void* address, char* buffer) {
   Dl_info image = {};
   if (dladdr(address, &image) == 0) return;
+  // The buffer is zeroed and longer than the limit, so the text has its terminating zero.
   std::strncpy(buffer, image.dli_fname, kImagePathLimit);
   CutAfterLastSeparator(buffer);
 }
@@ -77,6 +79,7 @@ CCpZvString GetCurrentProcessDir(void* address) {
   }
   std::wstring path = CCpTransform().ConvertCHARToUnicodeString(buffer);
   if (!path.empty()) {
+    // Without the name of the executable. Without any "/" all of the path stays.
     path.erase(std::min(path.rfind(L'/'), path.size()));
     path += L'/';
   }

@@ -11,8 +11,8 @@
 #include "base/zv_string.h"
 
 // The directory, ending in "/", of the running executable, or, for an address that is not null, of
-// the loaded image (executable or library) that holds it. Empty when the
-// system does not say or the environment's locale cannot read the path.
+// the loaded image (executable or library) that holds it. Empty when the system does not say or the
+// environment's locale cannot read the path.
 CCpZvString GetCurrentProcessDir(void* address);
 
 // The path with links, "." and ".." resolved. Where that fails, what the platform resolved until

@@ -18,7 +18,10 @@ bool StringtoInt(const std::string& text, int& value) {
   value = -1;
   char* end = nullptr;
   const long number = std::strtol(text.c_str(), &end, 0);
+  // Empty text has nothing after its number, so it passes as 0.
   if (*end != '\0') return false;
+  // Kept quirk: only the low 32 bits count. So addresses from 0x80000000 on can be given, and a
+  // larger number wraps around.
   value = static_cast<int>(number);
   return true;
 }
@@ -52,12 +55,14 @@ void DeleteBlankA(std::string& text) {
 }
 
 void StringTrimW(std::wstring& text) {
+  // Of blanks alone nothing is found: all is erased here, and the second line erases from 0 on.
   text.erase(0, text.find_first_not_of(L' '));
   text.erase(text.find_last_not_of(L' ') + 1);
 }
 
 void zvisp::CopyUtf8ToBuffer(std::string_view text, char* buffer, std::size_t capacity) {
   std::size_t length = std::min(text.size(), capacity - 1);
+  // Back to the first byte of a character that would be cut.
   while (length > 0 && length < text.size() && IsUtf8Continuation(text[length]))
     --length;
   std::fill_n(std::copy_n(text.begin(), length, buffer), capacity - length, '\0');

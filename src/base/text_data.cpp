@@ -164,6 +164,7 @@ unsigned int EDIDToBin(const wchar_t* text, unsigned int length, unsigned char* 
   unsigned int count = 0;
   for (unsigned int position = 0; position < length;) {
     unsigned int value = 0;
+    // Every call takes at least one token, so the loop ends.
     if (FindNextBytes(text, position, length, nullptr, &value) != kValueFound) continue;
     if (value > 255 || count == capacity) return 0;
     output[count++] = static_cast<unsigned char>(value);
@@ -176,6 +177,7 @@ unsigned int HexStrToInt(const wchar_t* digits, unsigned char count) {
   for (unsigned int i = 0; i < count; ++i) {
     const unsigned int digit = HexDigit(digits[i]);
     if (digit == kNoHexDigit) return 0;
+    // The shift wraps at 32, where C++ leaves it undefined. So digits 8 places apart are added up.
     value += digit << (4 * (count - i - 1) % 32);
   }
   return value;
@@ -193,6 +195,7 @@ unsigned int ConvetStringToByteArry(const std::string& text, unsigned char* outp
     int value = 0;
     if (!StringtoInt(piece, value) || value < 0 || value > 255) return 0;
     output[count++] = static_cast<unsigned char>(value);
+    // Compared after counting, so that a maximum of 0 never applies.
     if (count == maximum) return maximum;
   }
   return count;
@@ -219,6 +222,7 @@ int CpZvSaveAnsiFile(const CCpZvString& path, const CCpZvString& text, unsigned 
   ScopedEnvironmentLocale environment;
   std::FILE* const file = std::fopen(path.GetAnsiString(), append == 0 ? "w" : "a");
   if (file == nullptr) {
+    // Kept quirk: a failure leaves the process in the environment's locale.
     environment.Keep();
     return 0;
   }
@@ -235,6 +239,7 @@ int ParseCommandLineParameter(std::vector<std::string>& arguments, const std::st
   if (!FindQuotedTexts(line, quoted)) return 0;
   std::string rest = line;
   for (const std::string& text : quoted) {
+    // A placeholder has no blank, so the split below keeps each quoted text in one piece.
     ReplaceFirst(rest, text, kPlaceholder);
   }
   arguments = StringSplit(rest, " ", 0);

@@ -56,6 +56,7 @@ TextToken TextLexer::Next() {
 TextToken TextLexer::TakeBlockComment() {
   const std::size_t end = m_text.find(kCommentEnd, m_position + kCommentStart.size());
   if (end == std::wstring_view::npos) {
+    // Takes all of the rest, so that the walk ends.
     m_position = m_text.size();
     return TextToken::kNone;
   }
@@ -73,6 +74,7 @@ TextToken TextLexer::TakeWord() {
   const wchar_t* const end =
       std::find_if_not(start, m_text.data() + m_text.size(), IsWordCharacter);
   if (end == start) {
+    // An unknown character is a token as well, or the walk would stay here.
     ++m_position;
     return TextToken::kNone;
   }

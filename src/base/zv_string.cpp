@@ -17,11 +17,13 @@ CCpZvString::CCpZvString(const wchar_t* text) {
 }
 
 CCpZvString::CCpZvString(const wchar_t* text, std::size_t count) {
+  // A null pointer with a count would read from nowhere; it gives the empty string.
   if (text != nullptr) m_value.assign(text, count);
 }
 
 CCpZvString::CCpZvString(std::size_t count, wchar_t character) : m_value(count, character) {}
 
+// Only the value is copied. The narrow cache belongs to those who asked the other string for it.
 CCpZvString::CCpZvString(const CCpZvString& other) : m_value(other.m_value) {}
 
 CCpZvString::CCpZvString(const CCpZvString& other, std::size_t position, std::size_t count) {
@@ -34,6 +36,7 @@ CCpZvString& CCpZvString::operator=(const CCpZvString& other) {
 }
 
 CCpZvString& CCpZvString::operator=(const wchar_t* text) {
+  // By way of a new text, because `text` may point into this value.
   m_value = std::wstring(text == nullptr ? L"" : text);
   return *this;
 }
@@ -83,10 +86,12 @@ void CCpZvString::Format(const wchar_t* format, ...) {
 }
 
 CCpZvString CCpZvString::Left(int n) const {
+  // A negative n becomes a huge count, which takes the whole string.
   return CCpZvString(*this, 0, static_cast<std::size_t>(n));
 }
 
 CCpZvString CCpZvString::Right(int n) const {
+  // A negative n becomes a huge count, and then there is nothing so long to take.
   const std::size_t wanted = static_cast<unsigned int>(n);
   if (m_value.size() <= wanted) return CCpZvString();
   return CCpZvString(*this, m_value.size() - wanted, wanted);

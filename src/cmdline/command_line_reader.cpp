@@ -82,8 +82,8 @@ class CommandLineReader {
   };
 };
 
-// Each bit field has a pointer of its own: the scanner takes an abbreviation for ambiguous unless
-// its candidates agree in it.
+// Each bit field has a pointer of its own. The scanner compares the pointers when an abbreviation
+// fits several options: it is ambiguous unless they are equal.
 void CommandLineReader::RegisterOptions() {
   for (const OptionRow& row : kOptions) {
     const AddBits* const add_bits = std::get_if<AddBits>(&row.effect);
@@ -155,6 +155,7 @@ bool CommandLineReader::Apply(const InsertStartBank& effect) {
 bool CommandLineReader::Apply(const TakeFirmware&) {
   m_args.strFw = Argument();
   m_args.bFw = 1;
+  // Kept quirk: --fw and --searchfw together are refused without a message of their own.
   if (m_args.bSearchFw != 0) return false;
   return InsertFile(kSearchSlot, m_args.strFw);
 }
@@ -201,6 +202,8 @@ bool CommandLineReader::FindFirstBinFile() {
     std::printf("cann't find bin file!\n");
     return false;
   }
+  // Kept quirk: of several files, the first in the order of the directory, which nobody can
+  // foresee.
   m_args.strFw = names.front();
   return true;
 }

@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: MIT
+//
+// The face of the parser. The work is done elsewhere; most members below only add what the parser
+// holds (directory, slots, records) and forward to the function of their name in firmware/.
 #include "cmdline/isp_args_parse.h"
 
 #include "cmdline/command_line_reader.h"
@@ -20,6 +23,7 @@ int CCpIspArgsParse::ParseArgs(int argc, char** argv, STRUCT_CP_ISP_CMD_ARGS& ar
 }
 
 void CCpIspArgsParse::SetISPCmdSetting(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
+  // Byte for byte: an assignment need not copy the padding, and a plug-in sees that as well.
   CopyBytes(*m_setting, setting);
 }
 

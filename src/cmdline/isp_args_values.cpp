@@ -198,6 +198,7 @@ int CCpIspArgsParse::GetReadVersionFromFlashSetting(
   const bool has_total = !args.strTotalVerLen.empty();
   const bool has_major = !args.strMajorVerLen.empty();
   const bool has_sub = !args.strSubVerLen.empty();
+  // All of them or none; only the length of the sub-version may be left out.
   if (!has_address && !has_total && !has_major && !has_sub) return 1;
   if (!has_address || !has_total || !has_major) return 0;
   if (!ReadU32(args.strVerAddr, setting.ulVerAddr) ||

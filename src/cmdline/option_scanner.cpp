@@ -62,6 +62,7 @@ void CpZvCmdLindParse::Reset() {
   m_last_non_option = kFirstWord;
   m_command_argument = nullptr;
   m_command_index = kFirstWord;
+  // m_initialised stays: the next step does not count as a first one again.
   m_error_print = 1;
   m_unknown_char = '?';
 }
@@ -162,6 +163,7 @@ void CpZvCmdLindParse::MoveOptionsBeforeRun(char* const* argv) {
 void CpZvCmdLindParse::EndAtDoubleDash(int argc, char* const* argv) {
   ++m_command_index;
   MoveOptionsBeforeRun(argv);
+  // Whatever follows "--" is not an option, so the run reaches to the end.
   m_last_non_option = argc;
   m_command_index = argc;
 }

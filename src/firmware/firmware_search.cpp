@@ -108,6 +108,7 @@ bool NarrowByVersion(Info& info, FileNames& candidates) {
 }  // namespace
 
 void FindFile(const std::string& dir, FileNames& out, const std::string& ext) {
+  // An empty name is the working directory here; opendir would refuse it.
   const std::unique_ptr<DIR, CloseDirectory> directory(opendir(dir.empty() ? "." : dir.c_str()));
   if (directory == nullptr) return;
   while (const dirent* const entry = readdir(directory.get())) {
@@ -133,6 +134,7 @@ int GetBinNameFromPrefixSetting(const std::string& dir, const std::string& setti
   FileNames matches;
   std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(matches),
                [&](const std::string& name) { return IsLongerAndStartsWith(name, prefix); });
+  // Never a guess between several: the wrong firmware can cost a display.
   if (matches.size() != 1) {
     std::printf("find %d match fw base on prefix %s, fail!\n", static_cast<int>(matches.size()),
                 prefix.c_str());

@@ -12,6 +12,7 @@ namespace {
 
 using Exports = CZvComm::Exports;
 
+// The slots before it are the destructor's and those of loading, which comm_plugin.h declares.
 constexpr int kFirstListedSlot = 5;
 
 struct ListedOperation {

@@ -13,6 +13,7 @@ using namespace zvisp;
 
 namespace {
 
+// Kept quirk: of 256. Plug-ins rely on the count; the rest is what the memory was.
 constexpr std::size_t kTargetBanksClearedByConstructor = 64;
 constexpr std::uint8_t kUnsetByte = 0xFF;
 

@@ -31,6 +31,7 @@ constexpr char kExternalNextVerifyKey[] = "Zrv external next verify key";
 constexpr char kHwSignKey[] = "Zrv hw sign key";
 constexpr char kHwNextVerifyKey[] = "Zrv hw next verify key";
 
+// The record may come from a host that filled a field to its last byte.
 std::string TextOf(const char* buffer) {
   return std::string(buffer, strnlen(buffer, kSignTextCapacity));
 }
@@ -114,6 +115,7 @@ bool CCpDigitalSignArgsHandle::GetSignatureFile(Action action, const std::string
   const std::string given = TextOf(signature_file);
   switch (action) {
     case CP_DIGITAL_SIGNATURE_ACTION_SIGN: {
+      // A default name needs no such check: the directory of the firmware file exists.
       if (!given.empty() && !IsOwnName(given, m_current_dir)) return false;
       const std::string path = given.empty() ? DefaultSignatureFile(firmware, m_current_dir)
                                              : GetFileFullPath(given, m_current_dir);
@@ -136,6 +138,7 @@ bool CCpDigitalSignArgsHandle::CheckTaveroKeyFile(char* verify_key, char* sub_ce
 }
 
 bool CCpDigitalSignArgsHandle::CheckZrvInternalKey(const std::string& key_pair, int& index) const {
+  // Set first, so that a refused text leaves no index from an earlier request.
   index = 0;
   if (key_pair.empty()) return true;
   int number = 0;

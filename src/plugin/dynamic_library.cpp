@@ -14,6 +14,8 @@ OpenedLibrary OpenLibrary(const wchar_t* path) {
     library.reason = "the plug-in's path cannot be told in the locale's encoding";
     return library;
   }
+  // All symbols at once: a plug-in with a missing one fails here, and not in the middle of
+  // programming.
   library.handle = dlopen(library.path.c_str(), RTLD_NOW);
   if (library.handle == nullptr) library.reason = LastLoaderError();
   return library;
@@ -27,6 +29,7 @@ bool CloseLibrary(void*& handle) {
 }
 
 const char* LastLoaderError() {
+  // The loader gives its text once, and null when asked again.
   const char* const reason = dlerror();
   return reason == nullptr ? "" : reason;
 }

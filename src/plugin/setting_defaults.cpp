@@ -8,7 +8,9 @@ namespace zvisp {
 
 namespace {
 
+// Neither of the two that judgement sets, so a plug-in can see that nobody judged the record.
 constexpr std::int32_t kNotYetJudged = -1;
+// Only seen in a record that was not judged, such as the boot code's.
 constexpr std::uint8_t kDefaultSlaveAddress = 0x94;
 
 }  // namespace

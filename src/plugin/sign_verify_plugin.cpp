@@ -44,6 +44,7 @@ void CCpSignVerify::FreeSignVerfiyDllFile() {
 
 int CCpSignVerify::SignFw(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* args) const {
   if (!m_sign.IsBound()) return kSignPluginNotLoaded;
+  // The plug-in answers 1 for success, the tool 0.
   return m_sign(args) != 0 ? 0 : kSigningFailed;
 }
 

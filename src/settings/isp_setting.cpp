@@ -81,6 +81,7 @@ class FirmwareList {
 }  // namespace
 
 void GetDefaultSettingFilePathName(wchar_t* output, unsigned int output_size) {
+  // Not even the terminating zero fits.
   if (output_size == 0) return;
   const CCpZvString path = GetCurrentProcessDir(nullptr) + L"IspSetting.ini";
   const bool fits = output_size > static_cast<unsigned int>(path.GetLength());
@@ -114,6 +115,7 @@ bool GetFwBankCount(CCpZvString path, unsigned int& banks) {
     return false;
   }
   const std::uint64_t count = bytes / kFwBankBytes + (bytes % kFwBankBytes != 0 ? 1 : 0);
+  // Unlike the count of the firmware slots, this one does not cut the size to 32 bits.
   constexpr std::uint64_t kMost = std::numeric_limits<unsigned int>::max();
   banks = static_cast<unsigned int>(std::min(count, kMost));
   return true;

@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: MIT
+//
+// The two families of profile functions by their public names. Both are one template, so they
+// cannot drift apart. `output_size` is part of the signatures that hosts know, and is not used:
+// every output holds kProfileValueCapacity units.
 #include "settings/profile.h"
 
 #include <algorithm>
@@ -35,6 +39,7 @@ std::wstring zvisp::ReadProfileText(const wchar_t* section, const wchar_t* key,
                                     const wchar_t* file_name, std::size_t capacity) {
   wchar_t value[kProfileValueCapacity] = {};
   CpZvGetPrivateProfileStringW(section, key, L"", value, kProfileValueCapacity, file_name);
+  // Cut, so that the value fits a buffer of `capacity` units with its terminating zero.
   return std::wstring(value).substr(0, capacity - 1);
 }
 
