@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "display/crc32.h"
+#include "display/format.h"
 #include "display/program_plan.h"
 #include "display/programmer.h"
 

@@ -23,11 +23,6 @@ Outcome ProgramFlash(Display& display, const Setting& setting, const Host& host)
 // kRecordedVersionLimit.
 Outcome RecordVersion(Display& display, const Setting& setting, const Host& host);
 
-// Writes the range of stDumpFlash to its file, and reports the progress. The file is only made
-// when the range lies inside the flash. A file of a simulated display, by whatever name, is refused
-// and stays as it is.
-Outcome DumpToFile(Display& display, const Setting& setting, const Host& host);
-
 // Copies the verify key stored in the display into `key`, kDeviceKeyCapacity bytes, and fills the
 // rest with zeros.
 Outcome ReadVerifyKey(Display& display, unsigned char* key);

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 
+#include "display/format.h"
 #include "display/outcome.h"
 
 namespace simulator {

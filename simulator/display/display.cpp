@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "display/format.h"
 #include "display/home.h"
 
 namespace simulator {

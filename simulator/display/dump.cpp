@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "display/dump.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -6,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "display/commands.h"
+#include "display/format.h"
 #include "display/wide_text.h"
 
 namespace simulator {
@@ -75,7 +77,8 @@ Outcome DumpRange(const Display& display, const STRUCT_DUMP_FLASH_SETTING& dump,
 
 }  // namespace
 
-Outcome DumpToFile(Display& display, const Setting& setting, const Host& host) {
+Outcome DumpToFile(Display& display, const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting,
+                   const Host& host) {
   const auto path = ToUtf8(setting.stDumpFlash.wszDumpFile, kPathCapacity);
   if (!path) return Refuse(Code::kIllegalRecord, "the name of the dump file is not a text");
   if (Outcome checked = CheckRange(setting.stDumpFlash); !checked.Ok()) return checked;

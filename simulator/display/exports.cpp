@@ -3,6 +3,7 @@
 // The plug-in's edge: the calls that the tool looks up, each handed to the simulated display that
 // the record's communication number names. A plug-in for real hardware replaces everything below
 // this file and keeps its shape.
+#include "display/dump.h"
 #include "display/plugin_call.h"
 
 using simulator::CallDisplay;

@@ -8,13 +8,15 @@
 #include <cstdlib>
 #include <thread>
 
+#include "display/flash.h"
+#include "display/format.h"
 #include "display/key_values.h"
 
 namespace simulator {
 namespace {
 
 constexpr std::uint32_t kDefaultSlowMs = 10;
-constexpr std::uint32_t kBankBits = 65536 * 8;
+constexpr std::uint32_t kBankBits = kBankBytes * 8;
 
 struct KindRow {
   std::string_view name;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "display/firmware_file.h"
+#include "display/format.h"
 
 #include <fcntl.h>
 

@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "display/format.h"
 #include "display/outcome.h"
 
 namespace simulator {

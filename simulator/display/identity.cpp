@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "display/identity.h"
 
+#include "display/format.h"
 #include "display/key_values.h"
 
 namespace simulator {

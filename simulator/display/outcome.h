@@ -51,9 +51,6 @@ inline Outcome Refuse(Code code, std::string why) {
   return {static_cast<std::uint32_t>(code), std::move(why)};
 }
 
-// printf into a string.
-[[gnu::format(printf, 1, 2)]] std::string Format(const char* format, ...);
-
 }  // namespace simulator
 
 #endif  // ZVISP_SIMULATOR_DISPLAY_OUTCOME_H_

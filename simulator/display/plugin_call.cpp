@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "display/plugin_call.h"
+#include "display/format.h"
 
 #include <cstdio>
 #include <memory>

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "display/firmware_file.h"
+#include "display/format.h"
 #include "display/wide_text.h"
 
 namespace simulator {

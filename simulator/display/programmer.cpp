@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "display/programmer.h"
+#include "display/format.h"
 
 namespace simulator {
 namespace {

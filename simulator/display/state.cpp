@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "display/state.h"
 
+#include "display/format.h"
 #include "display/key_values.h"
 #include "display/outcome.h"
 

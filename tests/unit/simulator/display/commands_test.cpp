@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "display/commands.h"
+#include "display/dump.h"
 
 #include <unistd.h>
 

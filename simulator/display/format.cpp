@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "display/outcome.h"
+#include "display/format.h"
 
 #include <cstdarg>
 #include <cstdio>
