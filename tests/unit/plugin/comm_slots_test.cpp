@@ -3,8 +3,11 @@
 // The order of the virtual table, by calling its entries by number as a plug-in does.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <string>
 #include <tuple>
@@ -49,10 +52,14 @@ class Namesake : public CZvComm {
   }
 };
 
+// The arguments are never read, but a reference needs something to refer to.
 std::string NameInSlot(int slot) {
+  std::uint64_t unread = 0;
+  CommWord words[kCommArguments];
+  std::fill(std::begin(words), std::end(words), reinterpret_cast<CommWord>(&unread));
   Namesake namesake;
   g_called.clear();
-  CallCommSlot(&namesake, slot, kZeros);
+  CallCommSlot(&namesake, slot, words);
   return g_called;
 }
 

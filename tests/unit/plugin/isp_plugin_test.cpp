@@ -146,10 +146,12 @@ TEST_F(IspPlugin, InitUnbindsEveryCallAndLeavesTheLibraryLoaded) {
 
 // Nothing of ours binds them, but their members are open to a host.
 TEST_F(IspPlugin, InitUnbindsTheCallsThatAreNeverLookedUp) {
-  const auto bind = [](ExportSlot& call) {
-    int (*const answer)(STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING*) = [](auto*) { return 77; };
-    call.Bind(reinterpret_cast<void*>(answer), "answer");
-  };
+  // An answer of the call's own type, as a library has it.
+  const auto bind =
+      []<typename... Arguments, int kUnbound>(Export<int(Arguments...), kUnbound>& call) {
+        int (*const answer)(Arguments...) = [](Arguments...) { return 77; };
+        call.Bind(reinterpret_cast<void*>(answer), "answer");
+      };
   bind(m_plugin.GetFWInfo);
   bind(m_plugin.SendUserDefinedInfo);
   bind(m_plugin.ChipEraseFlash);
