@@ -24,6 +24,8 @@ cd "$(dirname "$0")/.."
 without_our_code='^(completions|manual|macos|fuzz|budget|package|hardening)\.|^includes_point'
 for_the_sanitizers='^(FaultMatrix|SimulatedCrowd|SearchOfManyFiles|OutOfMemory)\.'
 for_the_sanitizers="$for_the_sanitizers|^line\.|^e2e_readme"
+# Many kills, and an allocator of the test's own.
+for_the_sanitizers="$for_the_sanitizers|^SignerFiles\.(AKillAtAnyMoment|MemoryThatIsExhausted)"
 for_the_sanitizers="$for_the_sanitizers|^CommandLine\.(MistakesAreTold|ALineWithNothingButMistakes)"
 
 sanitizers() {
