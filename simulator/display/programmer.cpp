@@ -18,7 +18,7 @@ Outcome ProgramBank(Display& display, const BankJob& job, Progress& progress) {
   return Done();
 }
 
-// The bank is read from the flash itself: what an earlier run recorded is no proof of what is
+// The bank is read from the flash itself: what an earlier run recorded does not prove what is
 // there.
 Outcome MayBeSkipped(const Display& display, const BankJob& job, bool& skip) {
   skip = false;

@@ -6,13 +6,13 @@ set -u
 
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-mkdir -p "$scratch/bin/PlugIn" "$scratch/work/Success"
+mkdir -p "$scratch/bin/PlugIn" "$scratch/runs/Success"
 cp "$1" "$scratch/bin/zvisp"
 plugin=$scratch/bin/PlugIn/libIsp.dylib
 recording=$2
 script=$3
 PATH=$scratch/bin:$PATH
-cd "$scratch/work" || exit 1
+cd "$scratch/runs" || exit 1
 head -c 70000 /dev/zero >main.bin
 line=$(printf '\033[32mSuccess\n\033[m')
 failed=0
