@@ -16,6 +16,7 @@ constexpr std::array<std::string_view, 8> kOutcomes = {"passed",  "failed",     
                                                        "crashed", "interrupted"};
 constexpr std::array<std::string_view, 5> kPhases = {"prepare", "signature", "boot", "program",
                                                      "read-back"};
+constexpr std::array<std::string_view, 2> kWaitReasons = {"interface", "hook"};
 constexpr std::array<std::string_view, 3> kLevels = {"info", "warning", "error"};
 constexpr std::array<std::string_view, 3> kSources = {"tool", "plug-in", "output"};
 
@@ -42,6 +43,9 @@ std::string_view NameOf(Outcome outcome) {
 }
 std::string_view NameOf(Phase phase) {
   return Name(kPhases, phase);
+}
+std::string_view NameOf(WaitReason reason) {
+  return Name(kWaitReasons, reason);
 }
 std::string_view NameOf(Level level) {
   return Name(kLevels, level);

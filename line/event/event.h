@@ -40,13 +40,20 @@ enum class Outcome {
 
 enum class Phase { kPrepare, kSignature, kBoot, kProgram, kReadBack };
 
+// What a unit waits for before it starts.
+enum class WaitReason {
+  kInterface,  // someone else uses it
+  kHook,       // a program that the job names is asked
+};
+
 enum class Level { kInfo, kWarning, kError };
 enum class Source { kTool, kPlugin, kOutput };  // kOutput: what a plug-in printed
 
-// The names that the events carry: "programming", "timed_out", "read-back", "plug-in".
+// The names that the events carry: "programming", "timed_out", "read-back", "hook", "plug-in".
 std::string_view NameOf(UnitState state);
 std::string_view NameOf(Outcome outcome);
 std::string_view NameOf(Phase phase);
+std::string_view NameOf(WaitReason reason);
 std::string_view NameOf(Level level);
 std::string_view NameOf(Source source);
 // The way back; nothing for a name that is none.
@@ -69,9 +76,16 @@ struct FileFacts {
   std::string path, sha256;
 };
 
+// A unit of a batch.
+struct BatchUnit {
+  std::string place, unit;
+  std::optional<std::uint32_t> comm;
+};
+
 struct HelloEvent {
   struct Job {
     std::string name, path, sha256;
+    std::vector<BatchUnit> units;  // in the order of the job; empty when nothing will be started
   };
   std::string tool_version, host, operator_name;
   std::int64_t pid = 0;
@@ -102,6 +116,12 @@ struct PlanEvent {
   std::vector<PlannedFile> files;
   std::vector<PlannedBank> banks;
   std::vector<Warning> warnings;
+};
+
+// Before a unit's start, each time when what it waits for changes.
+struct WaitEvent {
+  WaitReason reason = WaitReason::kInterface;
+  std::string text;  // who uses the interface; a sentence without its full stop
 };
 
 struct UnitStartEvent {
@@ -159,6 +179,7 @@ struct UnitResultEvent {
   std::string failed_step;
   bool recorded = true;
   std::uint64_t duration_ms = 0;
+  std::string reason;  // why it was not started, or what a hook said
 };
 
 struct ErrorEvent {
@@ -188,9 +209,10 @@ struct EndEvent {
   bool interrupted = false;
 };
 
-using EventBody = std::variant<HelloEvent, PlanEvent, UnitStartEvent, StartEvent, StateEvent,
-                               ProgressEvent, MessageEvent, ResultEvent, UnitResultEvent,
-                               ErrorEvent, ResolvedEvent, FindingEvent, SummaryEvent, EndEvent>;
+using EventBody =
+    std::variant<HelloEvent, PlanEvent, WaitEvent, UnitStartEvent, StartEvent, StateEvent,
+                 ProgressEvent, MessageEvent, ResultEvent, UnitResultEvent, ErrorEvent,
+                 ResolvedEvent, FindingEvent, SummaryEvent, EndEvent>;
 
 struct Event {
   std::int64_t time_ms = 0;   // since 1970, UTC

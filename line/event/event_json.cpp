@@ -34,6 +34,16 @@ void PutWhere(Json& json, const Where& where) {
   Put(json, "job_name", where.job_name);
 }
 
+Json JobJson(const HelloEvent::Job& job) {
+  Json json = {{"name", job.name}, {"path", job.path}, {"sha256", job.sha256}};
+  for (const BatchUnit& one : job.units) {
+    Json unit = {{"place", one.place}, {"unit", one.unit}};
+    Put(unit, "comm", one.comm);
+    json["units"].push_back(unit);
+  }
+  return json;
+}
+
 // One function for each type of event: adds its own fields and returns the type's name.
 const char* PutBody(Json& json, const HelloEvent& hello) {
   json["tool_version"] = hello.tool_version;
@@ -43,10 +53,7 @@ const char* PutBody(Json& json, const HelloEvent& hello) {
   if (hello.plugin) {
     json["plugin"] = {{"path", hello.plugin->path}, {"sha256", hello.plugin->sha256}};
   }
-  if (hello.job) {
-    json["job"] = {
-        {"name", hello.job->name}, {"path", hello.job->path}, {"sha256", hello.job->sha256}};
-  }
+  if (hello.job) json["job"] = JobJson(*hello.job);
   return "hello";
 }
 
@@ -80,6 +87,12 @@ const char* PutBody(Json& json, const PlanEvent& plan) {
     json["warnings"].push_back({{"id", warning.id}, {"text", warning.text}});
   }
   return "plan";
+}
+
+const char* PutBody(Json& json, const WaitEvent& wait) {
+  json["for"] = NameOf(wait.reason);
+  Put(json, "text", wait.text);
+  return "wait";
 }
 
 const char* PutBody(Json& json, const UnitStartEvent& start) {
@@ -153,6 +166,7 @@ const char* PutBody(Json& json, const UnitResultEvent& result) {
   Put(json, "failed_step", result.failed_step);
   json["recorded"] = result.recorded;
   json["duration_ms"] = result.duration_ms;
+  Put(json, "reason", result.reason);
   return "unit_result";
 }
 

@@ -45,6 +45,13 @@ Lines Say(const Event& event, const MessageEvent& message) {
   return lines;
 }
 
+// A hook is asked often and answers soon: only its refusal is worth a line.
+Lines Say(const Event& event, const WaitEvent& wait) {
+  if (wait.reason == WaitReason::kHook) return {};
+  const std::string who = wait.text.empty() ? "" : ": " + CleanText(wait.text);
+  return {{false, Tone::kPlain, Front(event.where) + "waits for the interface" + who}};
+}
+
 std::string CodeText(const ResultEvent& result) {
   if (!result.code.has_value()) return "";
   std::string text = ", code " + Hex(*result.code, 1);
@@ -93,6 +100,7 @@ Lines Say(const Event& event, const UnitResultEvent& result) {
   std::string text = Named(event.where) + (has_passed ? "  PASS  " : "  FAIL  ") +
                      std::string(NameOf(result.state));
   if (result.state == UnitState::kUncertain) text += std::string(": ") + kHalfWritten;
+  if (!result.reason.empty()) text += ": " + CleanText(result.reason);
   if (!result.recorded) text += " (not recorded)";
   return {{true, ToneOf(result.outcome), text}};
 }

@@ -34,7 +34,7 @@ HelloEvent FullHello() {
   hello.operator_name = "ann";
   hello.pid = 7;
   hello.plugin = FileFacts{"/p/libIsp.dylib", "aa"};
-  hello.job = HelloEvent::Job{"r4", "/j.toml", "bb"};
+  hello.job = HelloEvent::Job{"r4", "/j.toml", "bb", {{"A1", "ZP1", 1}, {"A2", "ZP2", {}}}};
   return hello;
 }
 
@@ -56,14 +56,15 @@ ResultEvent FullResult() {
 }
 
 UnitResultEvent FullUnitResult() {
-  return {Outcome::kTimedOut, UnitState::kUncertain, 2, "program", false, 9};
+  return {Outcome::kTimedOut, UnitState::kUncertain, 2, "program", false, 9, "The hook said no"};
 }
 
 // clang-format off
 const TypeRow kTypes[] = {
-  {FullHello(), "hello", R"("tool_version":"1.0.9","pid":7,"host":"line-1","operator":"ann","plugin":{"path":"/p/libIsp.dylib","sha256":"aa"},"job":{"name":"r4","path":"/j.toml","sha256":"bb"}})"},
+  {FullHello(), "hello", R"("tool_version":"1.0.9","pid":7,"host":"line-1","operator":"ann","plugin":{"path":"/p/libIsp.dylib","sha256":"aa"},"job":{"name":"r4","path":"/j.toml","sha256":"bb","units":[{"place":"A1","unit":"ZP1","comm":1},{"place":"A2","unit":"ZP2"}]}})"},
   {PlanEvent{"isp", {{1, "/a", 3, "aa", 7}}, {{7, 1, 0, 3, "aa"}}, {{"w", "W."}}}, "plan", R"("action":"isp","files":[{"slot":1,"path":"/a","bytes":3,"sha256":"aa","start_bank":7}],"banks":[{"target":7,"slot":1,"file_bank":0,"bytes":3,"sha256":"aa"}],"warnings":[{"id":"w","text":"W."}]})"},
   {PlanEvent{"resetmcu", {}, {}, {}}, "plan", R"("action":"resetmcu","files":[],"warnings":[]})"},
+  {WaitEvent{WaitReason::kInterface, "In use"}, "wait", R"("for":"interface","text":"In use"})"},
   {UnitStartEvent{3, true}, "unit_start", R"("attempt":3,"unsigned":true})"},
   {StartEvent{2.5}, "start", R"("timeout_s":2.5})"},
   {StateEvent{UnitState::kProgramming, UnitState::kUntouched, "IspFlash"}, "state", R"("state":"programming","previous":"untouched","call":"IspFlash"})"},
@@ -71,7 +72,7 @@ const TypeRow kTypes[] = {
   {MessageEvent{Source::kPlugin, Level::kWarning, "a\xff\n", true}, "message", "\"source\":\"plug-in\",\"level\":\"warning\",\"text\":\"a\xEF\xBF\xBD\\n\",\"truncated\":true}"},
   {FullResult(), "result", R"("outcome":"different","state":"different","code":4294967040,"code_hex":"0xFFFFFF00","code_source":"plug-in","meaning":"m","value":"1","expected":"2","signal":9,"last_percent":50,"compared_bytes":65536,"difference":{"bank":1,"address":65536,"expected":18,"actual":0},"duration_ms":5})"},
   {ResultEvent{}, "result", R"("outcome":"failed","state":"untouched","code":null,"code_hex":null,"duration_ms":0})"},
-  {FullUnitResult(), "unit_result", R"("outcome":"timed_out","state":"uncertain","attempt":2,"failed_step":"program","recorded":false,"duration_ms":9})"},
+  {FullUnitResult(), "unit_result", R"("outcome":"timed_out","state":"uncertain","attempt":2,"failed_step":"program","recorded":false,"duration_ms":9,"reason":"The hook said no"})"},
   {ErrorEvent{"job", "No.", "a.toml", 3, 7}, "error", R"("id":"job","text":"No.","file":"a.toml","line":3,"column":7})"},
   {ResolvedEvent{"scrapped"}, "resolved", R"("note":"scrapped"})"},
   {FindingEvent{UnitState::kUncertain, 40, "t"}, "finding", R"("state":"uncertain","last_percent":40,"since":"t"})"},

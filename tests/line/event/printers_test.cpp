@@ -113,6 +113,13 @@ UnitResultEvent UncertainUnit() {
   return result;
 }
 
+UnitResultEvent RefusedUnit() {
+  UnitResultEvent result;
+  result.outcome = Outcome::kRefused;
+  result.reason = "the hook said no";
+  return result;
+}
+
 // clang-format off
 const EventRow kEvents[] = {
   {UncertainResult(), "", "comm-3: program failed after 0:12, uncertain, code 0x5A22 (erase failed), last at 42 %\n"},
@@ -120,6 +127,9 @@ const EventRow kEvents[] = {
   {CrashedResult(), "", "comm-3: program crashed after 0:00, untouched, signal 11\n"},
   {TimedOutResult(), "", "comm-3: program timed out after 0:00, untouched, value 2, expected 3\n"},
   {UncertainUnit(), "comm-3  ZP00000001  FAIL  uncertain: it may be half-written: program it again, or see zvisp-line journal doctor (not recorded)\n", ""},
+  {RefusedUnit(), "comm-3  ZP00000001  FAIL  untouched: the hook said no\n", ""},
+  {WaitEvent{WaitReason::kInterface, "in use by process 7"}, "", "comm-3: waits for the interface: in use by process 7\n"},
+  {WaitEvent{WaitReason::kHook, ""}, "", ""},
   {MessageEvent{Source::kPlugin, Level::kInfo, "one\ntwo\r\x1b[2J\n", false}, "", "comm-3: one\ncomm-3: two\n"},
   {MessageEvent{Source::kOutput, Level::kInfo, "much", true}, "", "comm-3: much\ncomm-3: (the rest of this output was cut)\n"},
   {ErrorEvent{"job", "No step.", "a.toml", 3, 7}, "", "zvisp-line: a.toml:3:7: No step.\n"},
