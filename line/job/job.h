@@ -76,6 +76,7 @@ struct Job {
   JobLine line;
   std::vector<JobFirmware> firmware;
   std::string plugin_sha256;  // empty: any
+  JobPosition plugin_position;
   std::vector<std::uint32_t> nothing_written;
   std::vector<std::string> ignore;  // ranges "FIRST-LAST" that are not compared
   JobHook hook;

@@ -2,7 +2,6 @@
 #include "line/supervise/read_back.h"
 
 #include <algorithm>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -19,18 +18,6 @@ using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 // The record counts addresses in 32 bits.
 constexpr std::uint64_t kFlashEnd = std::uint64_t{1} << 32;
 
-std::optional<std::uint64_t> NumberIn(std::string_view text) {
-  int base = 10;
-  if (text.starts_with("0x") || text.starts_with("0X")) {
-    base = 16;
-    text.remove_prefix(2);
-  }
-  std::uint64_t value = 0;
-  const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-  if (failure != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
-
 // As many bytes as there are, at most `length`.
 std::string ReadAt(const std::string& path, std::uint64_t offset, std::size_t length) {
   std::string bytes(length, '\0');
@@ -42,15 +29,6 @@ std::string ReadAt(const std::string& path, std::uint64_t offset, std::size_t le
 }
 
 }  // namespace
-
-std::optional<AddressRange> ParseAddressRange(std::string_view text) {
-  const std::size_t dash = text.find('-');
-  if (dash == std::string_view::npos) return std::nullopt;
-  const auto first = NumberIn(text.substr(0, dash));
-  const auto last = NumberIn(text.substr(dash + 1));
-  if (!first || !last || *last < *first || *last >= kFlashEnd) return std::nullopt;
-  return AddressRange{*first, *last};
-}
 
 std::string WhyNoReadBack(const Setting& setting) {
   switch (setting.enumActionType) {

@@ -9,22 +9,13 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "line/event/event.h"
+#include "line/job/address_range.h"
 #include "plugin/command_setting.h"
 
 namespace line {
-
-// A range of flash addresses in bytes, both ends in it.
-struct AddressRange {
-  std::uint64_t first = 0, last = 0;
-};
-
-// Reads "FIRST-LAST", decimal or 0x hexadecimal; nothing for other text, or an end before its
-// begin.
-std::optional<AddressRange> ParseAddressRange(std::string_view text);
 
 class ReadBack {
  public:
