@@ -19,7 +19,7 @@ int main(int argc, char** argv) {
   // Nor the limit of a file's size: the write fails, and the status says so.
   std::signal(SIGXFSZ, SIG_IGN);
   if (argc > 2 && std::strcmp(argv[1], line::kWorkerCommand) == 0) {
-    return line::RunWorker(argc - 2, argv + 2);
+    return line::RunWorker(argv[2]);
   }
   return line::RunCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc});
 }

@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <thread>
 
 namespace line {
 
@@ -17,9 +16,6 @@ namespace {
 
 constexpr const char* kDirectory = "/var/tmp/zvisp-line.locks";
 constexpr std::uint32_t kInterfaces = 17;
-// Somebody who only asks whether an interface is free holds it for a moment.
-constexpr int kTries = 4;
-constexpr auto kBetweenTries = std::chrono::milliseconds(10);
 
 // The variable is for tests: they must not meet each other's locks, nor an operator's.
 std::string Directory() {
@@ -104,8 +100,7 @@ std::string HolderIn(const std::string& path) {
 
 std::string InUseBy(const std::string& path, const std::string& what) {
   const std::string holder = HolderIn(path);
-  return what + " is in use" + (holder.empty() ? "" : " by " + holder) +
-         "; wait for its end, or give --wait SECONDS.";
+  return what + " is in use" + (holder.empty() ? "" : " by " + holder);
 }
 
 std::string AnyInterfaceInUse() {
@@ -115,8 +110,7 @@ std::string AnyInterfaceInUse() {
                      "This run needs the host alone, but interface " + std::to_string(comm));
     }
   }
-  return "This run needs the host alone, but an interface is in use; wait for its end, or give "
-         "--wait SECONDS.";
+  return "This run needs the host alone, but an interface is in use";
 }
 
 std::string NotAvailable(const std::string& path) {
@@ -154,12 +148,9 @@ InterfaceLock::Answer InterfaceLock::TakeOnce(const InterfaceUse& use, const std
 
 InterfaceLock::Answer InterfaceLock::Take(const InterfaceUse& use, const std::string& holder,
                                           std::string& reason) {
-  Answer answer = Answer::kInUse;
-  for (int i = 0; i < kTries && answer == Answer::kInUse; ++i) {
-    if (i > 0) std::this_thread::sleep_for(kBetweenTries);
-    answer = TakeOnce(use, holder, reason);
-    if (answer != Answer::kTaken) Release();
-  }
+  Release();
+  const Answer answer = TakeOnce(use, holder, reason);
+  if (answer != Answer::kTaken) Release();
   return answer;
 }
 
@@ -168,6 +159,11 @@ void InterfaceLock::Release() {
     if (*file >= 0) close(*file);
     *file = -1;
   }
+}
+
+std::vector<int> InterfaceLock::Files() const {
+  if (m_interface < 0) return {};
+  return {m_host, m_interface};
 }
 
 bool IsInterfaceFree(std::uint32_t comm) {

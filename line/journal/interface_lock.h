@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace line {
 
@@ -27,12 +28,17 @@ class InterfaceLock {
 
   enum class Answer { kTaken, kInUse, kNotAvailable };
 
-  // Never waits longer than a few hundredths of a second. `holder` is one line about this process,
-  // for those who find the interface in use. When the lock is not taken, `reason` is a sentence
-  // that names the holder, or what is wrong with the directory.
+  // Tries once and never waits. Somebody who only asks whether an interface is free holds it for a
+  // moment, so one kInUse proves little. `holder` is one line about this process, for those who
+  // find the interface in use. When the lock is not taken, `reason` says who has it ("Interface 3
+  // is in use by ..."), or is a sentence about what is wrong with the directory.
   Answer Take(const InterfaceUse& use, const std::string& holder, std::string& reason);
 
   void Release();
+
+  // The open files that the lock belongs to; none when it is not taken. A process that gets
+  // descriptors of its own for them holds the lock as well, until the last of these is closed.
+  std::vector<int> Files() const;
 
  private:
   Answer TakeOnce(const InterfaceUse& use, const std::string& holder, std::string& reason);

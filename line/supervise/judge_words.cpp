@@ -8,23 +8,27 @@
 
 namespace line {
 
-std::optional<JudgedWords> JudgeInWorker(const std::vector<std::string>& words,
-                                         std::string& error) {
+std::optional<std::vector<JudgedWords>> JudgeInWorker(
+    const std::vector<std::vector<std::string>>& words, std::string& error) {
   OutputFollower output;
   WorkerProcess worker;
-  if (!output.Open(error) || !worker.Start(words, output.Descriptor(), -1, error)) {
-    return std::nullopt;
+  if (!output.Open(error) || !worker.Start(output.Descriptor(), -1, error)) return std::nullopt;
+  std::vector<JudgedWords> verdicts;
+  for (const std::vector<std::string>& one : words) {
+    // One list at a time, so that what is printed until the verdict belongs to it. Without a time
+    // limit: a worker that only judges loads no plug-in.
+    worker.Send(Encode(WordsMessage{one}));
+    const std::optional<Frame> frame = worker.WaitForFrame();
+    std::optional<JudgedWords> judged = frame ? DecodeJudged(*frame) : std::nullopt;
+    if (!judged) {
+      error = "The worker ended before it had judged the words; try them with zvisp.";
+      return std::nullopt;
+    }
+    judged->said = output.TakeText();
+    verdicts.push_back(std::move(*judged));
   }
-  // Without a time limit: a worker that only judges loads no plug-in.
-  const std::optional<Frame> frame = worker.WaitForFrame();
-  std::optional<JudgedWords> judged = frame ? DecodeJudged(*frame) : std::nullopt;
   worker.Send(FrameBytes(MessageType::kBye, ""));
-  if (!judged) {
-    error = "The worker ended before it had judged the words; try them with zvisp.";
-    return std::nullopt;
-  }
-  judged->said = output.TakeText();
-  return judged;
+  return verdicts;
 }
 
 }  // namespace line

@@ -55,8 +55,8 @@ void StepRun::EndWithoutStart(ExitStatus status) {
 
 void StepRun::Start() {
   std::string error;
-  if (m_output.Open(error) &&
-      m_worker.Start(m_request.words, m_output.Descriptor(), m_request.copies_lock, error)) {
+  if (m_output.Open(error) && m_worker.Start(m_output.Descriptor(), m_request.copies_lock, error)) {
+    m_worker.Send(Encode(WordsMessage{m_request.words}));
     return;
   }
   EmitError("worker-not-started", error);
@@ -74,8 +74,6 @@ void StepRun::OnReadable() {
 void StepRun::Take(const Frame& frame) {
   const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
   if (m_stage == Stage::kJudging && frame.type == MessageType::kJudged) OnJudged(frame);
-  if (m_stage == Stage::kLocking && frame.type == MessageType::kLocked) OnLocked();
-  if (m_stage == Stage::kLocking && frame.type == MessageType::kBusy) OnBusy(frame);
   if (!runs) return;
   if (frame.type == MessageType::kCall) OnCall(frame);
   if (const auto progress = Decode<ProgressMessage>(frame)) OnProgress(progress->percent);
@@ -107,14 +105,30 @@ void StepRun::OnJudged(const Frame& frame) {
     return;
   }
   m_stage = Stage::kLocking;
-  m_worker.Send(Encode(LockMessage{setting.enumCommID, ProgramsBootCode(setting), m_request.wait_ms,
-                                   HolderOf(m_request.where)}));
+  m_interface.Begin({setting.enumCommID, ProgramsBootCode(setting)}, HolderOf(m_request.where),
+                    m_request.wait_ms, MonotonicMs());
+  OnLockTried();
 }
 
-void StepRun::OnBusy(const Frame& frame) {
-  const auto busy = Decode<BusyMessage>(frame).value_or(BusyMessage{});
-  EmitError(busy.in_use ? "interface-in-use" : "lock-not-available", busy.reason);
-  EndWithoutStart(kExitUnavailable);
+void StepRun::OnLockTried() {
+  switch (m_interface.Now()) {
+    case InterfaceWait::State::kTaken:
+      OnLocked();
+      break;
+    case InterfaceWait::State::kInUse:
+      EmitError("interface-in-use",
+                m_interface.Reason() + "; wait for its end, or give --wait SECONDS.");
+      EndWithoutStart(kExitUnavailable);
+      break;
+    case InterfaceWait::State::kNotAvailable:
+      EmitError("lock-not-available", m_interface.Reason());
+      EndWithoutStart(kExitUnavailable);
+      break;
+    default:
+      if (m_interface.IsLong() && !std::exchange(m_told_of_wait, true)) {
+        Emit(WaitEvent{WaitReason::kInterface, m_interface.Reason()});
+      }
+  }
 }
 
 GoMessage StepRun::GoFor(const JudgedWords& words) const {
@@ -146,6 +160,7 @@ void StepRun::OnLocked() {
   m_request.where.phase = Phase::kPrepare;
   Emit(StartEvent{m_request.timeout_s});
   m_stage = Stage::kRunning;
+  m_worker.SendWith(m_interface.Files(), FrameBytes(MessageType::kLock, ""));
   m_worker.Send(Encode(GoFor(m_words)));
   if (m_request.reads_only) StartReadBack();
 }
@@ -236,7 +251,16 @@ void StepRun::EndWorker(Outcome why, std::uint64_t now_ms) {
   m_worker.Signal(SIGTERM);
 }
 
+std::optional<std::uint64_t> StepRun::WakesAtMs() const {
+  if (m_stage != Stage::kLocking) return std::nullopt;
+  return m_interface.NextTryMs();
+}
+
 void StepRun::OnTick(std::uint64_t now_ms) {
+  if (m_stage == Stage::kLocking) {
+    m_interface.OnTick(now_ms);
+    OnLockTried();
+  }
   const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
   if (runs) ReportOutput(false);
   if (m_request.timeout_s && *m_request.timeout_s > 0 &&

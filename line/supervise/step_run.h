@@ -16,6 +16,7 @@
 #include "line/event/session.h"
 #include "line/job/judged_words.h"
 #include "line/journal/journal.h"
+#include "line/supervise/interface_wait.h"
 #include "line/supervise/output_follower.h"
 #include "line/supervise/read_back.h"
 #include "line/supervise/worker_process.h"
@@ -82,6 +83,8 @@ class StepRun {
   void OnWritable() { m_worker.SendQueued(); }
   void OnRecorded();  // fates of the record have changed
   void OnTick(std::uint64_t now_ms);
+  // When OnTick has something to do before the next tick of all.
+  std::optional<std::uint64_t> WakesAtMs() const;
   void OnProcessEnded();  // of some worker, perhaps this one
 
   // The operator's first signal: what has not been started, is not; what runs, finishes.
@@ -97,8 +100,8 @@ class StepRun {
 
   void Take(const Frame& frame);
   void OnJudged(const Frame& frame);
+  void OnLockTried();
   void OnLocked();
-  void OnBusy(const Frame& frame);
   void OnCall(const Frame& frame);
   void OnProgress(int percent);
   void OnMessage(const TextMessage& message);
@@ -123,6 +126,7 @@ class StepRun {
 
   StepRequest m_request;
   Reporting m_reporting;
+  InterfaceWait m_interface;
   WorkerProcess m_worker;
   OutputFollower m_output;
   JudgedWords m_words;
@@ -133,6 +137,7 @@ class StepRun {
   ResultEvent m_result;
   Journal::Ticket m_awaited = 0;  // the line that the next step waits for; 0 for none
   bool m_call_is_pending = false;
+  bool m_told_of_wait = false;
   std::size_t m_next_range = 0;
   std::uint64_t m_started_ms = 0;
   std::uint64_t m_kill_at_ms = 0;  // 0: the worker was not asked to end

@@ -23,6 +23,20 @@ bool AllAreDone(const std::vector<StepRun*>& steps) {
                      [](const StepRun* step) { return step->IsDone(); });
 }
 
+std::uint64_t NextWake(const std::vector<StepRun*>& steps, std::uint64_t next_tick) {
+  std::uint64_t wake = next_tick;
+  for (const StepRun* const step : steps) {
+    wake = std::min(wake, step->WakesAtMs().value_or(wake));
+  }
+  return wake;
+}
+
+// Milliseconds for poll.
+int WaitUntil(std::uint64_t ms) {
+  const std::uint64_t now = MonotonicMs();
+  return now >= ms ? 0 : static_cast<int>(ms - now);
+}
+
 }  // namespace
 
 void Supervisor::Run(const std::vector<StepRun*>& steps) {
@@ -31,18 +45,21 @@ void Supervisor::Run(const std::vector<StepRun*>& steps) {
   }
   std::uint64_t next_tick = MonotonicMs() + kTickMs;
   while (!AllAreDone(steps)) {
-    WaitForSomething(steps);
+    const std::uint64_t wake = NextWake(steps, next_tick);
+    WaitForSomething(steps, wake);
     const std::uint64_t now = MonotonicMs();
-    if (now < next_tick) continue;
-    next_tick = now + kTickMs;
-    m_reporting.session.Tick(now);
+    if (now < wake) continue;
+    if (now >= next_tick) {
+      next_tick = now + kTickMs;
+      m_reporting.session.Tick(now);
+    }
     for (StepRun* const step : steps) {
       step->OnTick(now);
     }
   }
 }
 
-void Supervisor::WaitForSomething(const std::vector<StepRun*>& steps) {
+void Supervisor::WaitForSomething(const std::vector<StepRun*>& steps, std::uint64_t wake_ms) {
   std::vector<pollfd> entries = {{m_signals.Descriptor(), POLLIN, 0},
                                  {m_reporting.journal.WakeUpDescriptor(), POLLIN, 0}};
   for (const StepRun* const step : steps) {
@@ -50,7 +67,7 @@ void Supervisor::WaitForSomething(const std::vector<StepRun*>& steps) {
     // poll passes over a negative descriptor, so entry i + 2 always belongs to step i.
     entries.push_back({step->IsDone() ? -1 : step->Socket(), wanted, 0});
   }
-  if (poll(entries.data(), static_cast<nfds_t>(entries.size()), kTickMs) <= 0) return;
+  if (poll(entries.data(), static_cast<nfds_t>(entries.size()), WaitUntil(wake_ms)) <= 0) return;
   if (entries[1].revents != 0) {
     m_reporting.journal.ClearWakeUp();
     for (StepRun* const step : steps) {

@@ -27,7 +27,7 @@ class Supervisor {
   int StopSignal() const { return m_stop_signal; }
 
  private:
-  void WaitForSomething(const std::vector<StepRun*>& steps);
+  void WaitForSomething(const std::vector<StepRun*>& steps, std::uint64_t wake_ms);
   void TakeSignals(const std::vector<StepRun*>& steps);
   void Stop(const std::vector<StepRun*>& steps, int signal);
   void Say(std::string text);

@@ -13,6 +13,7 @@
 #include <cstring>
 
 #include "base/process_path.h"
+#include "line/worker/passed_files.h"
 #include "line/worker/worker.h"
 
 using namespace zvisp;
@@ -96,13 +97,11 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
   return pointers;
 }
 
-int Spawn(const std::vector<std::string>& words, int output, int copies_lock, int socket,
-          pid_t& pid) {
+int Spawn(int output, int copies_lock, int socket, pid_t& pid) {
   char program[4096] = {};
   ReadProcessPath(program, sizeof program);
-  // The parser's messages begin with the name in front of the words, as they do in zvisp.
+  // The last one begins the messages of zvisp's scanner.
   std::vector<std::string> texts = {"zvisp-line", kWorkerCommand, "zvisp"};
-  texts.insert(texts.end(), words.begin(), words.end());
   const std::vector<char*> arguments = Pointers(texts);
   FileActions actions;
   actions.Put(output, STDOUT_FILENO);
@@ -141,11 +140,10 @@ WorkerProcess::~WorkerProcess() {
   }
 }
 
-bool WorkerProcess::Start(const std::vector<std::string>& words, int output, int copies_lock,
-                          std::string& error) {
+bool WorkerProcess::Start(int output, int copies_lock, std::string& error) {
   int ends[2] = {-1, -1};
   int failure = MakeSocketPair(ends) ? 0 : errno;
-  if (failure == 0) failure = Spawn(words, output, copies_lock, ends[1], m_pid);
+  if (failure == 0) failure = Spawn(output, copies_lock, ends[1], m_pid);
   if (ends[1] >= 0) close(ends[1]);
   m_socket = ends[0];
   if (failure == 0) return true;
@@ -159,6 +157,13 @@ void WorkerProcess::CloseSocket() {
   if (m_socket >= 0) close(m_socket);
   m_socket = -1;
   m_to_send.clear();
+  m_files.clear();
+}
+
+void WorkerProcess::SendWith(const std::vector<int>& files, const std::string& frame) {
+  m_files = files;
+  m_files_at = m_to_send.size();
+  Send(frame);
 }
 
 void WorkerProcess::Send(const std::string& frame) {
@@ -167,10 +172,25 @@ void WorkerProcess::Send(const std::string& frame) {
   SendQueued();
 }
 
+// Files go with the first byte of their frame.
+ssize_t WorkerProcess::SendSome() {
+  constexpr int kFlags = MSG_DONTWAIT | kNoSignal;
+  const bool later = !m_files.empty() && m_files_at > 0;
+  const std::size_t count = later ? m_files_at : m_to_send.size();
+  const ssize_t sent = later ? send(m_socket, m_to_send.data(), count, kFlags)
+                             : SendWithFiles(m_socket, m_to_send.data(), count, m_files, kFlags);
+  if (sent <= 0) return sent;
+  if (later) {
+    m_files_at -= static_cast<std::size_t>(sent);
+  } else {
+    m_files.clear();
+  }
+  return sent;
+}
+
 void WorkerProcess::SendQueued() {
   while (!m_to_send.empty()) {
-    const ssize_t sent =
-        send(m_socket, m_to_send.data(), m_to_send.size(), MSG_DONTWAIT | kNoSignal);
+    const ssize_t sent = SendSome();
     if (sent < 0 && errno == EINTR) continue;
     if (sent < 0) {
       // A worker that is gone is noticed by its end.

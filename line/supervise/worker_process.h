@@ -28,12 +28,10 @@ class WorkerProcess {
   WorkerProcess(const WorkerProcess&) = delete;
   WorkerProcess& operator=(const WorkerProcess&) = delete;
 
-  // Starts this program as a worker for zvisp's words, in a process group of its own, with
-  // /dev/null as standard input and `output` as standard output and error. `copies_lock` is an
-  // open file that it keeps open, or -1. False, with a sentence in `error`, when it cannot be
-  // started.
-  bool Start(const std::vector<std::string>& words, int output, int copies_lock,
-             std::string& error);
+  // Starts this program as a worker, in a process group of its own, with /dev/null as standard
+  // input and `output` as standard output and error. `copies_lock` is an open file that it keeps
+  // open, or -1. False, with a sentence in `error`, when it cannot be started.
+  bool Start(int output, int copies_lock, std::string& error);
 
   int Socket() const { return m_socket; }
   bool WantsToSend() const { return !m_to_send.empty(); }
@@ -41,6 +39,9 @@ class WorkerProcess {
   // Queues a frame and sends what can be sent without waiting; SendQueued continues when the
   // socket can take more.
   void Send(const std::string& frame);
+  // The same for a frame with open files, once in a worker's life. They must stay open until the
+  // frame is sent.
+  void SendWith(const std::vector<int>& files, const std::string& frame);
   void SendQueued();
 
   // The frames that have come, without waiting. A socket that ends, or brings what is not a frame,
@@ -59,12 +60,15 @@ class WorkerProcess {
 
  private:
   void CloseSocket();
+  ssize_t SendSome();
   bool ReceiveSome();
   std::vector<Frame> TakeFrames();
 
   pid_t m_pid = -1;
   int m_socket = -1;
   std::string m_to_send;
+  std::vector<int> m_files;    // to go with the byte at m_files_at
+  std::size_t m_files_at = 0;  // in m_to_send
   std::string m_received;
 };
 

@@ -4,9 +4,9 @@
 // of the payload, the type, and the payload. Frames come in this order:
 //
 //   worker                          parent
+//                             <-    Words, as often as there are lists of them to be judged
 //   Judged                    ->
-//                             <-    Lock
-//   Locked, or Busy           ->
+//                             <-    Lock, with the open files of the interface's lock
 //                             <-    Go
 //   Call                      ->    (the call is recorded)
 //                             <-    MayCall
@@ -16,8 +16,8 @@
 //   Call, ..., Result         ->
 //                             <-    Bye
 //
-// A parent that only wants the verdict says Bye after Judged. A worker whose socket ends before Bye
-// has lost its parent.
+// A parent that only wants verdicts says Bye after Judged; one that has them already begins with
+// Lock. A worker whose socket ends before Bye has lost its parent.
 #ifndef ZVISP_LINE_WORKER_MESSAGES_H_
 #define ZVISP_LINE_WORKER_MESSAGES_H_
 
@@ -34,13 +34,12 @@ namespace line {
 
 enum class MessageType : std::uint32_t {
   kJudged = 1,
-  kLocked,
-  kBusy,
   kCall,
   kProgress,
   kMessage,
   kResult,
-  kLock = 32,
+  kWords = 32,
+  kLock,
   kGo,
   kMayCall,
   kDump,
@@ -62,17 +61,6 @@ std::string FrameBytes(MessageType type, std::string_view payload);
 // Takes the first whole frame off the front of `bytes`. Nothing when it is not all there, or when
 // no frame can begin so: `broken` is then true.
 std::optional<Frame> TakeFrame(std::string& bytes, bool& broken);
-
-struct BusyMessage {
-  static constexpr MessageType kType = MessageType::kBusy;
-  bool in_use = true;  // false: the lock itself is not available
-  std::string reason;  // a sentence
-  template <typename Archive>
-  void Fields(Archive& archive) {
-    archive(in_use);
-    archive(reason);
-  }
-};
 
 struct CallMessage {
   static constexpr MessageType kType = MessageType::kCall;
@@ -115,18 +103,12 @@ struct ResultMessage {
   }
 };
 
-struct LockMessage {
-  static constexpr MessageType kType = MessageType::kLock;
-  std::uint32_t comm = 0;
-  bool alone = false;
-  std::uint64_t wait_ms = 0;
-  std::string holder;  // one line about the run, for others who find the interface in use
+struct WordsMessage {
+  static constexpr MessageType kType = MessageType::kWords;
+  std::vector<std::string> words;  // of zvisp, without a program's name
   template <typename Archive>
   void Fields(Archive& archive) {
-    archive(comm);
-    archive(alone);
-    archive(wait_ms);
-    archive(holder);
+    archive(words);
   }
 };
 

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "line/worker/parent_link.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
+
+#include "line/worker/passed_files.h"
 
 namespace line {
 
@@ -54,17 +55,11 @@ std::optional<Frame> ParentLink::Receive() {
     std::optional<Frame> frame = TakeFrame(m_received, broken);
     if (frame || broken) return frame;
     char buffer[16384];
-    const ssize_t got = recv(m_socket, buffer, sizeof buffer, 0);
+    const ssize_t got = ReceiveWithFiles(m_socket, buffer, sizeof buffer, m_files);
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) return std::nullopt;
     m_received.append(buffer, static_cast<std::size_t>(got));
   }
-}
-
-bool ParentLink::IsGoneWithin(int milliseconds) const {
-  pollfd entry = {m_socket, POLLIN, 0};
-  // The parent says nothing now, so whatever is there to be read is the end.
-  return poll(&entry, 1, milliseconds) > 0;
 }
 
 bool ParentLink::IsParentsChild() const {

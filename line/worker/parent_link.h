@@ -6,8 +6,10 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "line/worker/messages.h"
 
@@ -22,10 +24,11 @@ class ParentLink {
   // Never waits: without room for it, the frame is dropped.
   void SendOrDrop(const std::string& frame);
 
-  // Waits for the next frame; nothing when the parent is gone.
+  // Waits for the next frame; nothing when the parent is gone. Open files that come with a frame
+  // stay open until this process ends.
   std::optional<Frame> Receive();
-  // Waits for so long, or until the parent is gone, which is the answer.
-  bool IsGoneWithin(int milliseconds) const;
+  // How many open files have come.
+  std::size_t KeptFiles() const { return m_files.size(); }
 
   // True in the process that the parent started. A plug-in's fork returns twice, and the second
   // process has nothing to say here.
@@ -37,6 +40,7 @@ class ParentLink {
   int m_socket;
   pid_t m_process;
   std::string m_received;
+  std::vector<int> m_files;
 };
 
 }  // namespace line

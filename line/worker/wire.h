@@ -39,6 +39,14 @@ class ByteWriter {
     }
   }
 
+  void operator()(std::vector<std::string>& texts) {
+    auto count = static_cast<std::uint32_t>(texts.size());
+    (*this)(count);
+    for (std::string& text : texts) {
+      (*this)(text);
+    }
+  }
+
   std::string Take() { return std::move(m_bytes); }
 
  private:
@@ -74,6 +82,15 @@ class ByteReader {
       Value value{};
       (*this)(value);
       values.push_back(value);
+    }
+  }
+
+  void operator()(std::vector<std::string>& texts) {
+    std::uint32_t count = 0;
+    (*this)(count);
+    texts.clear();
+    while (m_good && texts.size() < count) {
+      (*this)(texts.emplace_back());
     }
   }
 

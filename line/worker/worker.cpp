@@ -4,7 +4,6 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -12,12 +11,12 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "app/execute_process.h"
 #include "base/string_util.h"
 #include "base/transform.h"
 #include "cmdline/isp_args_parse.h"
-#include "line/journal/interface_lock.h"
 #include "line/worker/guarded_setting.h"
 #include "line/worker/last_words.h"
 #include "line/worker/messages.h"
@@ -33,9 +32,6 @@ namespace {
 
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
-using Clock = std::chrono::steady_clock;
-
-constexpr int kLockPollMs = 50;
 
 // What the callbacks of the plug-in, which have no argument for it, have to reach.
 ParentLink* g_parent = nullptr;
@@ -93,10 +89,17 @@ void OnMessage(wchar_t* text) {
   g_parent->SendOrDrop(Encode(message));
 }
 
-JudgedWords Judge(int argc, char** argv) {
+// `name` begins the scanner's messages, as it does in zvisp.
+JudgedWords Judge(std::string name, std::vector<std::string> texts) {
+  std::vector<char*> argv = {name.data()};
+  for (std::string& text : texts) {
+    argv.push_back(text.data());
+  }
+  argv.push_back(nullptr);
   JudgedWords words;
   CCpIspArgsParse parser;
-  words.accepted = parser.ParseArgs(argc, argv, words.args) != 0;
+  words.accepted =
+      parser.ParseArgs(static_cast<int>(argv.size() - 1), argv.data(), words.args) != 0;
   words.slots = parser.GetSlots();
   words.setting = MakeFreshCopy(parser.GetISPCmdSetting());
   words.sign_args = MakeZeroed<SignArgs>();
@@ -104,22 +107,6 @@ JudgedWords Judge(int argc, char** argv) {
   CopyBytes(*words.sign_args, parser.GetDigitalSignArgs());
   std::fflush(stdout);
   return words;
-}
-
-// False when the parent got the reason why not, or is gone.
-bool TakeLock(InterfaceLock& lock, const LockMessage& wish) {
-  const auto deadline = Clock::now() + std::chrono::milliseconds(wish.wait_ms);
-  std::string reason;
-  for (;;) {
-    const auto answer = lock.Take({wish.comm, wish.alone}, wish.holder, reason);
-    if (answer == InterfaceLock::Answer::kTaken) return true;
-    const bool in_use = answer == InterfaceLock::Answer::kInUse;
-    if (!in_use || Clock::now() >= deadline) {
-      g_parent->Send(Encode(BusyMessage{in_use, reason}));
-      return false;
-    }
-    if (g_parent->IsGoneWithin(kLockPollMs)) return false;
-  }
 }
 
 std::uint32_t Execute(Setting* setting, SignArgs* sign_args) {
@@ -214,9 +201,27 @@ void Work() noexcept {
   ServeReadBack(*of_run, ending);
 }
 
+// Judges what the parent asks for, until it sends what is to be run.
+void WaitForGo(const char* name) {
+  for (;;) {
+    const std::optional<Frame> frame = g_parent->Receive();
+    if (!frame) End();
+    if (auto words = Decode<WordsMessage>(*frame)) {
+      if (!g_parent->Send(EncodeJudged(Judge(name, std::move(words->words))))) End();
+    } else if (auto go = Decode<GoMessage>(*frame)) {
+      // Without the lock there is no run, whatever became of the parent.
+      if (g_parent->KeptFiles() == 0) End();
+      g_go = std::move(*go);
+      return;
+    } else if (frame->type != MessageType::kLock) {
+      End();
+    }
+  }
+}
+
 }  // namespace
 
-int RunWorker(int argc, char** argv) {
+int RunWorker(const char* name) {
   signal(SIGPIPE, SIG_IGN);
   ParentLink parent(kWorkerSocket);
   // Every way out of here ends the process.
@@ -224,14 +229,7 @@ int RunWorker(int argc, char** argv) {
   g_parent = &parent;
   // As in zvisp, whose process has one.
   const CZvComm comm;
-  if (!parent.Send(EncodeJudged(Judge(argc, argv)))) End();
-  const auto wish = Receive<LockMessage>();
-  InterfaceLock lock;
-  if (!wish || !TakeLock(lock, *wish)) End();
-  if (!parent.Send(FrameBytes(MessageType::kLocked, ""))) End();
-  auto go = Receive<GoMessage>();
-  if (!go) End();
-  g_go = std::move(*go);
+  WaitForGo(name);
   Work();
   End();
 }

@@ -17,9 +17,9 @@ inline constexpr const char* kWorkerCommand = "worker-of-zvisp-line";
 inline constexpr int kWorkerSocket = 3;
 inline constexpr int kWorkerCopiesLock = 4;
 
-// The whole life of a worker. `argv` holds zvisp's words after a name for the scanner's messages.
-// Never returns before the parent said Bye, or is gone; the return value means nothing to it.
-int RunWorker(int argc, char** argv);
+// The whole life of a worker. `name` begins the messages of zvisp's scanner. Never returns before
+// the parent said Bye, or is gone; the return value means nothing to it.
+int RunWorker(const char* name);
 
 }  // namespace line
 

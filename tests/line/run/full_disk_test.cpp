@@ -64,9 +64,8 @@ TEST_F(AFullDisk, BeforeTheCallIsStatusThreeAndTouchesNothing) {
   StartedRun first(holder);
   ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "erase bank=0"));
   StartedRun second(Run({"--wait", "60"}));
-  const std::string index = m_line.DataDirectory() + "/journal/units.index";
-  ASSERT_TRUE(WaitUntil([&] { return FileExists(index); }));
-  disk.Fill(index);
+  ASSERT_TRUE(m_line.WaitForRecord(R"("for":"interface")"));
+  disk.Fill(RecordFile());
   EXPECT_EQ(first.Wait().status, 0);
   const RunResult run = second.Wait();
   EXPECT_EQ(run.status, 3) << run.out;

@@ -232,6 +232,21 @@ TEST_F(RunOf, AnOrphanKeepsItsInterface) {
   run.Wait();
   EXPECT_EQ(m_line.Run(Programming()).status, 3);
   ASSERT_TRUE(m_line.WaitForRecord("\"type\":\"unit_result\""));
+  ExpectResult(m_line.Run(Programming(), {"--wait", "60"}), 0, "passed", "programmed");
+}
+
+TEST_F(RunOf, AParentThatIsKilledBeforeItsStartLeavesNothingBehind) {
+  GivenFaults("slow ms=700\n");
+  StartedRun first(m_line.Line("run", {}, Programming()));
+  ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "erase bank=0"));
+  StartedRun second(m_line.Line("run", {"--wait", "60"}, Programming()));
+  ASSERT_TRUE(m_line.WaitForRecord(R"("for":"interface")"));
+  second.Kill(SIGKILL);
+  second.Wait();
+  ExpectResult(first.Wait(), 0, "passed", "programmed");
+  GivenFaults("");
+  ExpectResult(m_line.Run(Programming()), 0, "passed", "programmed");
+  EXPECT_EQ(EventsOf(m_line.Record(), "unit_start").size(), 2u);
 }
 
 }  // namespace

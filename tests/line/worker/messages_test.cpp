@@ -41,6 +41,8 @@ TEST(Messages, ArriveAsTheyWereSent) {
   EXPECT_EQ(received->nothing_written, (std::vector<std::uint32_t>{0x5A26, 0}));
   EXPECT_EQ(SentAndReceived(ResultMessage{0xFFFFFF00})->code, 0xFFFFFF00u);
   EXPECT_EQ(SentAndReceived(ProgressMessage{-1})->percent, -1);
+  const std::vector<std::string> words = {"--isp", "", "--fw", "a file"};
+  EXPECT_EQ(SentAndReceived(WordsMessage{words})->words, words);
 }
 
 TEST(Messages, AFrameIsTakenWhenItIsWhole) {
