@@ -11,17 +11,19 @@
 namespace line {
 
 // The first result of the action counts; what comes when nothing was asked for is passed over.
-void StepRun::OnResult(std::uint32_t code) {
+void StepRun::OnResult(const ResultMessage& result) {
   if (m_call_is_pending) return;
   if (m_stage == Stage::kRunning) {
-    OnActionResult(code);
+    OnActionResult(result);
   } else {
-    OnDumpResult(code);
+    OnDumpResult(result);
   }
 }
 
-void StepRun::OnActionResult(std::uint32_t code) {
-  const Verdict verdict = JudgeResult(m_trace, code, m_request.wanted);
+void StepRun::OnActionResult(const ResultMessage& result) {
+  const std::uint32_t code = result.code;
+  Verdict verdict = JudgeResult(m_trace, code, m_request.wanted);
+  if (!result.missing.empty()) verdict.meaning = result.missing;
   if (verdict.outcome != Outcome::kPassed || !m_request.reads_back || m_ended_by_us) {
     Finish(verdict, code);
     return;
@@ -50,11 +52,12 @@ void StepRun::DumpNextRange() {
   m_worker.Send(Encode(DumpMessage{range.address, range.length, DumpFile()}));
 }
 
-void StepRun::OnDumpResult(std::uint32_t code) {
+void StepRun::OnDumpResult(const ResultMessage& result) {
   ReadBack::Finding finding;
-  if (code != 0) {
-    m_result.code = code;
+  if (result.code != 0) {
+    m_result.code = result.code;
     finding.failure = "the flash cannot be read back";
+    if (!result.missing.empty()) finding.failure += ": " + result.missing;
   } else {
     finding = m_read_back.Compare(m_read_back.Ranges()[m_next_range], DumpFile());
   }
@@ -75,7 +78,8 @@ void StepRun::FinishReadBack(const ReadBack::Finding& finding) {
   Verdict verdict = {Outcome::kPassed, UnitState::kIdentical, "plug-in",
                      "the flash holds the planned bytes"};
   if (!finding.failure.empty()) {
-    verdict.outcome = Outcome::kFailed;
+    // Without a call, the plug-in was not there.
+    verdict.outcome = m_trace.last.empty() ? Outcome::kUnavailable : Outcome::kFailed;
     // Reading failed, which says nothing against what was programmed.
     verdict.state = m_end.state;
     verdict.meaning = finding.failure;

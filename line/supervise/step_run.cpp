@@ -78,7 +78,7 @@ void StepRun::Take(const Frame& frame) {
   if (frame.type == MessageType::kCall) OnCall(frame);
   if (const auto progress = Decode<ProgressMessage>(frame)) OnProgress(progress->percent);
   if (const auto message = Decode<TextMessage>(frame)) OnMessage(*message);
-  if (const auto result = Decode<ResultMessage>(frame)) OnResult(result->code);
+  if (const auto result = Decode<ResultMessage>(frame)) OnResult(*result);
 }
 
 void StepRun::OnJudged(const Frame& frame) {

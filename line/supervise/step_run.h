@@ -105,10 +105,10 @@ class StepRun {
   void OnCall(const Frame& frame);
   void OnProgress(int percent);
   void OnMessage(const TextMessage& message);
-  void OnResult(std::uint32_t code);
+  void OnResult(const ResultMessage& result);
   void AnswerCall(bool may);
-  void OnActionResult(std::uint32_t code);
-  void OnDumpResult(std::uint32_t code);
+  void OnActionResult(const ResultMessage& result);
+  void OnDumpResult(const ResultMessage& result);
 
   GoMessage GoFor(const JudgedWords& words) const;
   void StartReadBack();

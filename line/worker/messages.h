@@ -97,9 +97,11 @@ struct TextMessage {
 struct ResultMessage {
   static constexpr MessageType kType = MessageType::kResult;
   std::uint32_t code = 0;
+  std::string missing = {};  // which plug-in or call is missing, and why; empty for other results
   template <typename Archive>
   void Fields(Archive& archive) {
     archive(code);
+    archive(missing);
   }
 };
 

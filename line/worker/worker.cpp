@@ -21,6 +21,7 @@
 #include "line/worker/last_words.h"
 #include "line/worker/messages.h"
 #include "line/worker/parent_link.h"
+#include "line/worker/plugin_load.h"
 #include "plugin/comm_plugin.h"
 #include "plugin/fresh_setting.h"
 
@@ -37,6 +38,7 @@ using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
 ParentLink* g_parent = nullptr;
 GoMessage g_go;
 CallTrace g_trace;
+bool g_called = false;  // since the last Execute
 
 [[noreturn]] void End() {
   std::fflush(nullptr);
@@ -72,6 +74,7 @@ void BeforeCall(const char* name) {
   // The parent reports why.
   if (!answer->may) End();
   g_trace.Begin(name);
+  g_called = true;
 }
 
 void OnProgress(int percent) {
@@ -114,8 +117,16 @@ std::uint32_t Execute(Setting* setting, SignArgs* sign_args) {
   directory = g_go.plugin_directory;
   g_pstISPSetting = setting;
   g_pstDigitalSignArgs = sign_args;
+  g_called = false;
   return ExecuteProcessFrom(directory, setting, sign_args, CCpZvString(L"PlugIn/libIsp.dylib"),
                             CCpZvString(L"libSignVerify.dylib"), nullptr);
+}
+
+ResultMessage ResultOf(std::uint32_t code, const Setting& setting) {
+  const bool may_be_missing = !g_called;
+  return {code, may_be_missing
+                    ? ExplainNotLoaded(code, setting.enumActionType, g_go.plugin_directory)
+                    : ""};
 }
 
 Wanted WantedOf(const GoMessage& go) {
@@ -136,12 +147,14 @@ Ending Program(Setting* setting, SignArgs* sign_args) {
   const std::uint32_t code = Execute(setting, sign_args);
   EndSecondProcess();
   std::fflush(nullptr);
+  const ResultMessage result = ResultOf(code, *setting);
   Ending ending = {JudgeResult(g_trace, code, WantedOf(g_go)), code};
+  if (!result.missing.empty()) ending.verdict.meaning = result.missing;
   if (ending.verdict.outcome == Outcome::kPassed && g_go.reads_back) {
     ending.verdict.outcome = Outcome::kInterrupted;
     ending.verdict.meaning = std::string("not read back: ") + kParentGone;
   }
-  if (!g_parent->Send(Encode(ResultMessage{code}))) EndAlone(ending.verdict, ending.code);
+  if (!g_parent->Send(Encode(result))) EndAlone(ending.verdict, ending.code);
   return ending;
 }
 
@@ -165,7 +178,7 @@ void Dump(const Setting& of_run, const DumpMessage& dump) {
   const std::uint32_t code = Execute(setting.get(), &no_signature);
   EndSecondProcess();
   std::fflush(nullptr);
-  g_parent->Send(Encode(ResultMessage{code}));
+  g_parent->Send(Encode(ResultOf(code, *setting)));
 }
 
 // What the parent asks for after the result, until it says Bye.

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <type_traits>
+#include <vector>
 
 namespace zvisp {
 
@@ -53,6 +54,22 @@ struct ExportRow {
   ExportNeed need;
   ExportSlot& (*slot)(Proxy&);
 };
+
+// A row for those who only ask what a library has to export.
+struct ExportName {
+  const char* symbol;
+  ExportNeed need;
+};
+
+// The symbols of a table, in its order.
+template <typename Proxy, std::size_t kRows>
+std::vector<ExportName> NamesOfExports(const ExportRow<Proxy> (&table)[kRows]) {
+  std::vector<ExportName> names;
+  names.reserve(kRows);
+  for (const ExportRow<Proxy>& row : table)
+    names.push_back({row.symbol, row.need});
+  return names;
+}
 
 // Names a member in a row: `Slot<&CCpIsp::IspFlash>`.
 template <auto kMember, typename Proxy>

@@ -36,6 +36,10 @@ struct CCpIsp::Table {
   // clang-format on
 };
 
+std::vector<ExportName> CCpIsp::ExportNames() {
+  return NamesOfExports(Table::kRows);
+}
+
 void CCpIsp::Init() {
   m_library = nullptr;
   UnbindExports(*this, Table::kRows);

@@ -8,6 +8,8 @@
 #ifndef ZVISP_PLUGIN_ISP_PLUGIN_H_
 #define ZVISP_PLUGIN_ISP_PLUGIN_H_
 
+#include <vector>
+
 #include "plugin/command_setting.h"
 #include "plugin/export.h"
 
@@ -41,6 +43,10 @@ class CCpIsp {
 
   // Closes the library, if one is loaded, and unbinds every call.
   void FreeIspDllFile();
+
+  // The calls of the plug-in interface, those that are looked up first and in the order of the
+  // look-up. The tool does not ask; a host may name with it what a library lacks.
+  static std::vector<zvisp::ExportName> ExportNames();
 
   // Hands the device to the plug-in: returns 1, or 0 when the call is not bound. It is never
   // looked up, so the answer is always 0.

@@ -19,6 +19,10 @@ struct CCpSignVerify::Table {
   // clang-format on
 };
 
+std::vector<ExportName> CCpSignVerify::ExportNames() {
+  return NamesOfExports(Table::kRows);
+}
+
 void CCpSignVerify::Init() {
   m_library = nullptr;
   UnbindExports(*this, Table::kRows);

@@ -5,6 +5,8 @@
 #ifndef ZVISP_PLUGIN_SIGN_VERIFY_PLUGIN_H_
 #define ZVISP_PLUGIN_SIGN_VERIFY_PLUGIN_H_
 
+#include <vector>
+
 #include "plugin/digital_sign_args.h"
 #include "plugin/export.h"
 
@@ -34,6 +36,10 @@ class CCpSignVerify {
 
   // Closes the library, if one is loaded, and unbinds both calls.
   void FreeSignVerfiyDllFile();
+
+  // The calls of the plug-in interface, those that are looked up first and in the order of the
+  // look-up. The tool does not ask; a host may name with it what a library lacks.
+  static std::vector<zvisp::ExportName> ExportNames();
 
   // 0, or kSigningFailed, or kSignPluginNotLoaded.
   int SignFw(const STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS* args) const;

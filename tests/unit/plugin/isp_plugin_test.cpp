@@ -118,6 +118,17 @@ TEST_F(IspPlugin, RefusesALibraryThatLacksARequiredCallWithoutAWord) {
   }
 }
 
+TEST_F(IspPlugin, NamesItsCallsInTheOrderOfTheLookUp) {
+  std::string names;
+  for (const ExportName& name : CCpIsp::ExportNames()) {
+    if (name.need != ExportNeed::kNeverLookedUp) names += name.symbol + std::string(" ");
+  }
+  EXPECT_EQ(names,
+            "IspFlash SetCommInterface RecordFWVersion GetKeyFromFlash SetUIFunction DumpFlash "
+            "GetUserDefinedInfoFromDDCCI IspEeprom EnterISPModeExport ResetMCUExport "
+            "GetScalerType ");
+}
+
 TEST_F(IspPlugin, HandsTheCommunicationObjectToTheLibrary) {
   const ScratchDir directory;
   ASSERT_TRUE(Load("recording_isp"));
