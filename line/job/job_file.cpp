@@ -6,7 +6,6 @@
 #include <fstream>
 #include <iterator>
 #include <system_error>
-#include <utility>
 
 #include "base/path.h"
 #include "line/job/job_keys.h"
@@ -267,11 +266,7 @@ JobReading ReadJobText(std::string_view text) {
   ReadSections(root, reading.job, reading.errors);
   CheckNamesOfSteps(reading.job, reading.errors);
   CheckPlaces(reading.job, reading.errors);
-  std::stable_sort(reading.errors.begin(), reading.errors.end(),
-                   [](const JobError& left, const JobError& right) {
-                     return std::pair(left.position.line, left.position.column) <
-                            std::pair(right.position.line, right.position.column);
-                   });
+  SortByPosition(reading.errors);
   return reading;
 }
 

@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "line/job/job.h"
-#include "line/job/toml_tree.h"
+#include "line/job/job_error.h"
 
 namespace line {
 
 struct JobReading {
-  Job job;                       // only meaningful without errors
-  std::vector<JobError> errors;  // everything that is wrong, in the order of the file
+  Job job;           // only meaningful without errors
+  JobErrors errors;  // everything that is wrong, in the order of the file
 };
 
 // The file's own facts in the job are filled in: path, directory, hash.

@@ -18,8 +18,6 @@
 
 namespace line {
 
-using JobErrors = std::vector<JobError>;
-
 template <class Target>
 struct JobKey {
   std::string_view name;

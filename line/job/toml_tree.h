@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "line/job/job.h"
+#include "line/job/job_error.h"
 
 namespace line {
 
@@ -37,12 +37,6 @@ struct TomlMember {
   std::string name;
   JobPosition position;  // of the key
   TomlValue value;
-};
-
-// What is wrong at one place of a job file: a name for scripts, and a sentence.
-struct JobError {
-  std::string id, text;
-  JobPosition position;
 };
 
 // Reads the whole text into `root`. False, with the first mistake in `error`, when it is not TOML,

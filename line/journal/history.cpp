@@ -11,6 +11,7 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "line/event/event_json.h"
@@ -30,17 +31,18 @@ enum class Kind : std::uint64_t {
   kEnded = 5
 };
 
-// What the two numbers are: the hash of the unit and the hash of the job's name; for kCovered, the
+// What the numbers are: hashes of the unit, of the job's name and of the run; for kCovered, the
 // hash of a record file's name and how many of its bytes are in the index.
 struct Entry {
   Kind kind;
   std::uint64_t first;
   std::uint64_t second;
+  std::uint64_t third;
 };
-static_assert(sizeof(Entry) == 24, "the index is read as it was written");
+static_assert(sizeof(Entry) == 32, "the index is read as it was written");
 
 // The first entry of every index: "ZVISPLIX" as a number, and the version of the format.
-constexpr Entry kFormat = {Kind::kFormat, 0x5A564953504C4958, 1};
+constexpr Entry kFormat = {Kind::kFormat, 0x5A564953504C4958, 2, 0};
 
 // FNV-1a. It stays the same on every host and in every version, unlike std::hash.
 std::uint64_t HashOf(std::string_view text) {
@@ -59,7 +61,8 @@ std::optional<Entry> EntryOf(std::string_view text) {
   const Kind kind = type == "unit_start"                 ? Kind::kStarted
                     : event->outcome == Outcome::kPassed ? Kind::kPassed
                                                          : Kind::kEnded;
-  return Entry{kind, HashOf(event->where.unit), HashOf(event->where.job_name)};
+  return Entry{kind, HashOf(event->where.unit), HashOf(event->where.job_name),
+               HashOf(event->where.run)};
 }
 
 struct RecordFile {
@@ -79,16 +82,26 @@ std::vector<RecordFile> FilesOf(const std::string& data_directory) {
   return files;
 }
 
+// What is known of one unit, and the runs of it that were started and have not ended.
+struct KnownUnit {
+  UnitHistory history;
+  std::vector<std::uint64_t> open_runs;
+};
+
 class Index {
  public:
-  Index(std::string data_directory, const std::string& unit, const std::string& job_name)
+  Index(std::string data_directory, const std::vector<std::string>& units,
+        const std::string& job_name)
       : m_data_directory(std::move(data_directory)),
         m_files(FilesOf(m_data_directory)),
-        m_unit(HashOf(unit)),
         m_job(HashOf(job_name)),
-        m_any_job(job_name.empty()) {}
+        m_any_job(job_name.empty()) {
+    for (const std::string& unit : units)
+      m_units[HashOf(unit)];
+  }
 
-  UnitHistory Ask();
+  void Ask();
+  UnitHistory HistoryOf(const std::string& unit) const { return m_units.at(HashOf(unit)).history; }
 
  private:
   bool ReadIndex(std::string_view bytes);
@@ -98,10 +111,10 @@ class Index {
 
   std::string m_data_directory;
   std::vector<RecordFile> m_files;
-  std::uint64_t m_unit, m_job;
+  std::uint64_t m_job;
   bool m_any_job;
   std::map<std::uint64_t, std::uint64_t> m_covered;  // by hash of the file's name: bytes
-  UnitHistory m_history;
+  std::unordered_map<std::uint64_t, KnownUnit> m_units;
 };
 
 void Index::Count(const Entry& entry) {
@@ -109,11 +122,14 @@ void Index::Count(const Entry& entry) {
     m_covered[entry.first] = entry.second;
     return;
   }
-  if (entry.first != m_unit || (!m_any_job && entry.second != m_job)) return;
+  const auto found = m_units.find(entry.first);
+  if (found == m_units.end() || (!m_any_job && entry.second != m_job)) return;
+  KnownUnit& unit = found->second;
   if (entry.kind == Kind::kStarted) {
-    ++m_history.attempts;
-  } else {
-    m_history.last_has_passed = entry.kind == Kind::kPassed;
+    ++unit.history.attempts;
+    unit.open_runs.push_back(entry.third);
+  } else if (std::erase(unit.open_runs, entry.third) > 0) {
+    unit.history.last_has_passed = entry.kind == Kind::kPassed;
   }
 }
 
@@ -156,7 +172,7 @@ std::vector<Entry> Index::ReadWhatIsNew() {
       rest.remove_prefix(end + 1);
       covered += end + 1;
     }
-    if (covered != before) entries.push_back({Kind::kCovered, file.hash, covered});
+    if (covered != before) entries.push_back({Kind::kCovered, file.hash, covered, 0});
   }
   return entries;
 }
@@ -167,7 +183,7 @@ bool IsOurs(int file) {
   return file >= 0 && fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1;
 }
 
-UnitHistory Index::Ask() {
+void Index::Ask() {
   const std::string path = RecordDirectory(m_data_directory) + "/units.index";
   const Descriptor file(
       open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
@@ -181,7 +197,8 @@ UnitHistory Index::Ask() {
   std::vector<Entry> entries;
   if (!is_whole) {
     m_covered.clear();
-    m_history = {};
+    for (auto& [hash, unit] : m_units)
+      unit = {};
     entries.push_back(kFormat);
     if (may_write) static_cast<void>(ftruncate(file.Number(), 0) == 0);
   }
@@ -194,14 +211,24 @@ UnitHistory Index::Ask() {
     // After a partial write the size is not a multiple of an entry, and the index is made again.
     static_cast<void>(write(file.Number(), entries.data(), bytes) >= 0);
   }
-  return m_history;
 }
 
 }  // namespace
 
 UnitHistory HistoryOf(const std::string& data_directory, const std::string& unit,
                       const std::string& job_name) {
-  return Index(data_directory, unit, job_name).Ask();
+  return HistoriesOf(data_directory, {unit}, job_name).front();
+}
+
+std::vector<UnitHistory> HistoriesOf(const std::string& data_directory,
+                                     const std::vector<std::string>& units,
+                                     const std::string& job_name) {
+  Index index(data_directory, units, job_name);
+  index.Ask();
+  std::vector<UnitHistory> histories;
+  for (const std::string& unit : units)
+    histories.push_back(index.HistoryOf(unit));
+  return histories;
 }
 
 }  // namespace line

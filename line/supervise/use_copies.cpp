@@ -6,6 +6,7 @@
 
 #include "base/string_util.h"
 #include "base/transform.h"
+#include "line/job/judged_files.h"
 #include "line/supervise/private_copies.h"
 
 using namespace zvisp;
@@ -15,20 +16,6 @@ namespace line {
 namespace {
 
 namespace fs = std::filesystem;
-using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
-
-// The private key is not among them: nothing is signed here.
-constexpr char (SignArgs::*kSignFiles[])[kSignTextCapacity] = {
-    &SignArgs::szFwFile,      &SignArgs::szSignatureFile,     &SignArgs::szVerifyKeyFile,
-    &SignArgs::szSubCertFile, &SignArgs::szNextVerifyKeyFile,
-};
-
-// One file has one copy, however its path is written.
-std::string FullPath(const std::string& path) {
-  std::error_code failure;
-  const fs::path full = fs::canonical(path, failure);
-  return failure ? path : full.string();
-}
 
 template <std::size_t kCapacity>
 std::string TextIn(const char (&field)[kCapacity]) {
@@ -53,7 +40,7 @@ bool CopyBanks(PrivateCopies& copies, STRUCT_C_STYLE_MAP_FW& map, std::string& e
   for (std::uint32_t i = 0; i < map.ulCount; ++i) {
     STRUCT_C_STYLE_FW_BANK_SETTING& bank = map.stBank[i];
     const std::string source = transform.ConvertUnicodeStringToUTF8(bank.wszPath);
-    const std::string copy = copies.CopyOf(FullPath(source), error);
+    const std::string copy = copies.CopyOf(OneNameOf(source), error);
     if (copy.empty()) return false;
     const std::wstring path = transform.ConvertUTF8StringToUnicode(copy);
     CopyWideToBuffer(path, kPathCapacity - 1, bank.wszPath, kPathCapacity);
@@ -69,15 +56,10 @@ bool CopyBanks(PrivateCopies& copies, STRUCT_C_STYLE_MAP_FW& map, std::string& e
 
 template <std::size_t kCapacity>
 bool CopyField(PrivateCopies& copies, char (&field)[kCapacity], std::string& error) {
-  const std::string copy = copies.CopyOf(FullPath(TextIn(field)), error);
+  const std::string copy = copies.CopyOf(OneNameOf(TextIn(field)), error);
   if (copy.empty()) return false;
   CopyUtf8ToBuffer(copy, field, kCapacity);
   return true;
-}
-
-bool IsOrdinaryFile(const std::string& path) {
-  std::error_code failure;
-  return fs::is_regular_file(path, failure) && !failure;
 }
 
 }  // namespace

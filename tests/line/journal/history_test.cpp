@@ -51,9 +51,40 @@ TEST_F(HistoryTest, CountsRunsBySerialAndWithinAJobByItsName) {
 
 TEST_F(HistoryTest, TheNewestEndCounts) {
   RecordWriter record = TwoRunsOfA();
+  record.Add("r4", "A", 1, UnitStartEvent{}).Ends("r4", "A", 1, UnitState::kUncertain);
+  record.Save(m_directory.Path());
+  EXPECT_FALSE(HasPassed("A", "j"));
+}
+
+TEST_F(HistoryTest, AUnitThatWasNeverStartedChangesNothing) {
+  RecordWriter record = TwoRunsOfA();
+  record.Ends("r4", "A", 1, UnitState::kUntouched, Outcome::kRefused);
+  record.Save(m_directory.Path());
+  for (int i = 0; i < 2; ++i) {  // makes the index, then reads it
+    EXPECT_TRUE(HasPassed("A", "j"));
+    EXPECT_EQ(Attempts("A", "j"), 1u);
+  }
+}
+
+TEST_F(HistoryTest, AnEndIsOfTheRunThatHasBegunBeforeTheIndexWasMade) {
+  RecordWriter record = TwoRunsOfA();
+  record.Add("r4", "A", 1, UnitStartEvent{});
+  record.Save(m_directory.Path());
+  EXPECT_TRUE(HasPassed("A", "j"));
   record.Ends("r4", "A", 1, UnitState::kUncertain);
   record.Save(m_directory.Path());
   EXPECT_FALSE(HasPassed("A", "j"));
+  EXPECT_EQ(Attempts("A", "j"), 2u);
+}
+
+TEST_F(HistoryTest, ManyUnitsAreAskedAtOnce) {
+  TwoRunsOfA().Save(m_directory.Path());
+  const auto histories = HistoriesOf(m_directory.Path(), {"B", "A", "C", "A"}, "j");
+  ASSERT_EQ(histories.size(), 4u);
+  EXPECT_EQ(histories[0].attempts, 0u);
+  EXPECT_TRUE(histories[1].last_has_passed);
+  EXPECT_FALSE(histories[2].last_has_passed);
+  EXPECT_EQ(histories[3].attempts, 1u);
 }
 
 TEST_F(HistoryTest, LinesThatCameSinceAreAddedToTheIndex) {
@@ -80,7 +111,7 @@ TEST_F(HistoryTest, AnIndexThatDoesNotFitIsMadeAgain) {
   const std::string index = ReadWholeFile(IndexPath());
   EXPECT_EQ(damage(""), 2u);
   EXPECT_EQ(damage("rubbish"), 2u);
-  EXPECT_EQ(damage(std::string(48, 'x')), 2u);
+  EXPECT_EQ(damage(std::string(64, 'x')), 2u);
   EXPECT_EQ(damage(index.substr(0, index.size() - 1)), 2u);
   EXPECT_EQ(ReadWholeFile(IndexPath()), index);
 }
