@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "line/event/event_text.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "line/event/plan_text.h"
@@ -65,22 +66,14 @@ std::string DifferenceText(const Difference& difference) {
          Hex(difference.actual, 2);
 }
 
-// Names of two words are one with "_" for scripts.
-std::string Words(std::string_view name) {
-  std::string words(name);
-  for (char& character : words)
-    if (character == '_') character = ' ';
-  return words;
-}
-
 Tone ToneOf(Outcome outcome) {
   return outcome == Outcome::kPassed ? Tone::kGood : Tone::kBad;
 }
 
 Lines Say(const Event& event, const ResultEvent& result) {
   std::string text = Front(event.where) + CleanText(event.where.step) + " " +
-                     Words(NameOf(result.outcome)) + " after " + DurationText(result.duration_ms) +
-                     ", " + std::string(NameOf(result.state));
+                     WordsOf(result.outcome) + " after " + DurationText(result.duration_ms) + ", " +
+                     std::string(NameOf(result.state));
   // The code of a success is always 0, or is shown as the value.
   if (result.outcome != Outcome::kPassed) text += CodeText(result);
   if (result.value) text += ", value " + CleanText(*result.value);
@@ -105,10 +98,18 @@ Lines Say(const Event& event, const UnitResultEvent& result) {
   return {{true, ToneOf(result.outcome), text}};
 }
 
+// "Step program, A1:", above the plan of a step of a job.
+std::string StepTitle(const Where& where) {
+  const std::string place = where.place.empty() ? "" : ", " + CleanText(where.place);
+  return "Step " + CleanText(where.step) + place + ":";
+}
+
 Lines Say(const Event& event, const PlanEvent& plan) {
   Lines lines;
   // Within a run the operator has seen the plan, or does not want to.
   if (event.where.run.empty()) {
+    if (!event.where.job_name.empty())
+      lines.push_back({true, Tone::kPlain, StepTitle(event.where)});
     for (const std::string& text : PlanLines(plan))
       lines.push_back({true, Tone::kPlain, text});
   }
@@ -118,13 +119,16 @@ Lines Say(const Event& event, const PlanEvent& plan) {
   return lines;
 }
 
-// Begins like the messages of a compiler, "FILE:LINE:COLUMN: ", so that editors find the place.
-Lines Say(const Event&, const ErrorEvent& error) {
-  std::string place = CleanText(error.file);
-  if (error.line) place += ":" + std::to_string(*error.line);
-  if (error.column) place += ":" + std::to_string(*error.column);
-  if (!place.empty()) place += ": ";
-  return {{false, Tone::kBad, "zvisp-line: " + place + CleanText(error.text)}};
+// A mistake in a file begins like the messages of a compiler, "FILE:LINE:COLUMN: ", so that editors
+// find it.
+Lines Say(const Event& event, const ErrorEvent& error) {
+  std::string front = error.file.empty() ? "zvisp-line" : CleanText(error.file);
+  if (error.line) front += ":" + std::to_string(*error.line);
+  if (error.column) front += ":" + std::to_string(*error.column);
+  front += ": ";
+  // The words of a run name its interface.
+  if (!event.where.job_name.empty()) front += Front(event.where);
+  return {{false, Tone::kBad, front + CleanText(error.text)}};
 }
 
 Lines Say(const Event& event, const FindingEvent& finding) {
@@ -144,10 +148,12 @@ Lines Say(const Event& event, const ResolvedEvent& resolved) {
 Lines Say(const Event&, const SummaryEvent& summary) {
   std::string text;
   for (const auto& [outcome, count] : summary.outcomes) {
-    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + Words(NameOf(outcome));
+    if (count == 0) continue;
+    text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + WordsOf(outcome);
   }
   const char* separator = "; ";
   for (const auto& [state, count] : summary.states) {
+    if (count == 0) continue;
     text += separator + std::to_string(count) + " " + std::string(NameOf(state));
     separator = ", ";
   }
@@ -164,6 +170,27 @@ Lines Say(const Event&, const Body&) {
 
 std::vector<TextLine> LinesOf(const Event& event) {
   return std::visit([&event](const auto& body) { return Say(event, body); }, event.body);
+}
+
+std::string WordsOf(Outcome outcome) {
+  std::string words(NameOf(outcome));
+  std::replace(words.begin(), words.end(), '_', ' ');
+  return words;
+}
+
+std::string FailureText(const Where& where, const ResultEvent& result) {
+  std::string text = CleanText(where.step) + " " + WordsOf(result.outcome);
+  if (result.difference) {
+    return text + " in bank " + std::to_string(result.difference->bank) + " at " +
+           Hex(result.difference->address, 6);
+  }
+  text += CodeText(result);
+  if (result.last_percent) text += ", last at " + std::to_string(*result.last_percent) + " %";
+  if (result.signal) text += ", signal " + std::to_string(*result.signal);
+  if (result.value && result.expected) {
+    text += ", value " + CleanText(*result.value) + ", expected " + CleanText(*result.expected);
+  }
+  return text;
 }
 
 std::string ProgressLine(const Event& event) {

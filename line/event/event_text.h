@@ -23,6 +23,12 @@ struct TextLine {
 // The lines that an event is worth; none for those that only rows or the record show.
 std::vector<TextLine> LinesOf(const Event& event);
 
+// Names of two words, such as "timed_out", without the "_" that scripts want.
+std::string WordsOf(Outcome outcome);
+
+// Why a step did not pass, in short: "program crashed, last at 42 %, signal 11".
+std::string FailureText(const Where& where, const ResultEvent& result);
+
 // "comm-3: program 42 %, 0:31".
 std::string ProgressLine(const Event& event);
 

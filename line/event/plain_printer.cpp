@@ -5,6 +5,7 @@
 
 #include "line/event/event_text.h"
 #include "line/event/line_printers.h"
+#include "line/event/narration.h"
 
 namespace line {
 
@@ -18,7 +19,7 @@ class PlainPrinter : public Printer {
   PlainPrinter(Colours colours, When progress) : m_colours(colours), m_progress(progress) {}
 
   void Take(const Event& event) override {
-    for (const TextLine& line : LinesOf(event)) {
+    for (const TextLine& line : m_narration.Tell(event)) {
       const bool coloured = line.is_result ? m_colours.out : m_colours.err;
       WriteText(line.is_result ? stdout : stderr, (coloured ? Coloured(line) : line.text) + "\n");
     }
@@ -41,6 +42,7 @@ class PlainPrinter : public Printer {
 
   Colours m_colours;
   When m_progress;
+  Narration m_narration{false};
   std::map<std::string, std::uint64_t> m_last_ms;  // by run: of its last line, or its start
 };
 

@@ -43,10 +43,10 @@ bool WantsColour(const PrinterOptions& options, int descriptor) {
   return (no_color == nullptr || *no_color == '\0') && IsTerminal(descriptor);
 }
 
-std::size_t TerminalColumns() {
+TerminalSize SizeOfTerminal() {
   winsize size = {};
-  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
-  return size.ws_col;
+  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualSize;
+  return {size.ws_col, size.ws_row == 0 ? kUsualSize.lines : size.ws_row};
 }
 
 }  // namespace
@@ -62,7 +62,7 @@ std::unique_ptr<Printer> MakePrinter(const PrinterOptions& options) {
   const Colours colours = {WantsColour(options, STDOUT_FILENO),
                            WantsColour(options, STDERR_FILENO)};
   if (IsTerminal(STDERR_FILENO) && options.progress != When::kNever) {
-    return MakeTerminalPrinter(colours, TerminalColumns);
+    return MakeTerminalPrinter(colours, SizeOfTerminal);
   }
   return MakePlainPrinter(colours, options.progress);
 }

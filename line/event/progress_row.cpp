@@ -18,16 +18,21 @@ constexpr std::uint64_t kKnownFromMs = 2000;
 
 }  // namespace
 
-ProgressRow::ProgressRow(const Event& first)
-    : m_run(first.where.run),
-      m_place(CleanText(first.where.place)),
-      m_unit(CleanText(first.where.unit)),
+ProgressRow::ProgressRow(const std::string& place, const std::string& unit, std::uint64_t mono_ms)
+    : m_place(CleanText(place)),
+      m_unit(CleanText(unit)),
       m_doing("waits"),
-      m_step_start_ms(first.mono_ms),
-      m_phase_start_ms(first.mono_ms) {}
+      m_step_start_ms(mono_ms),
+      m_phase_start_ms(mono_ms) {}
 
 void ProgressRow::Follow(const Event& event) {
+  if (const WaitEvent* const wait = std::get_if<WaitEvent>(&event.body)) {
+    m_step_start_ms = event.mono_ms;
+    m_doing = wait->reason == WaitReason::kHook ? "waits for its hook" : "waits for its interface";
+  }
+  if (std::holds_alternative<UnitStartEvent>(event.body)) m_doing = "starts";
   if (std::holds_alternative<StartEvent>(event.body)) {
+    m_phase.reset();
     m_step_start_ms = event.mono_ms;
     m_phase_start_ms = event.mono_ms;
     m_percent.reset();
@@ -64,15 +69,30 @@ std::string ProgressRow::Remaining(std::uint64_t mono_ms) const {
   return ", " + DurationText(at_the_report - since) + " left";
 }
 
+std::string ProgressRow::Elapsed(std::uint64_t mono_ms) const {
+  return "  " + DurationText(mono_ms - std::min(m_step_start_ms, mono_ms));
+}
+
+std::string ProgressRow::Percent() const {
+  if (!m_percent) return "";
+  const std::string percent = std::to_string(*m_percent);
+  return " " + std::string(3 - percent.size(), ' ') + percent + " %";
+}
+
+std::string ProgressRow::Doing(std::size_t doing, std::size_t bar, std::size_t columns,
+                               std::uint64_t mono_ms) const {
+  if (!m_percent) return m_doing + Elapsed(mono_ms);
+  std::string text = Padded(CutToColumns(m_doing, doing), doing);
+  if (bar > 0) text += " " + Bar(bar);
+  text += Percent() + Elapsed(mono_ms);
+  const std::string remaining = Remaining(mono_ms);
+  return Columns(text) + remaining.size() <= columns ? text + remaining : text;
+}
+
 std::string ProgressRow::Text(std::size_t columns, std::uint64_t mono_ms) const {
-  const std::string elapsed = DurationText(mono_ms - std::min(m_step_start_ms, mono_ms));
   std::string serial = m_unit.empty() ? "" : " " + m_unit;
-  std::string tail = "  " + elapsed;
+  const std::string tail = Percent() + Elapsed(mono_ms);
   std::string remaining = Remaining(mono_ms);
-  if (m_percent) {
-    const std::string percent = std::to_string(*m_percent);
-    tail = " " + std::string(3 - percent.size(), ' ') + percent + " %" + tail;
-  }
   const std::size_t bar_needs = m_percent ? kBarAtLeast + 1 : 0;
   const auto taken = [&] {
     return Columns(m_place) + Columns(serial) + 1 + Columns(m_doing) + tail.size() +

@@ -123,6 +123,12 @@ std::size_t Columns(std::string_view text) {
   return columns;
 }
 
+std::string Padded(std::string text, std::size_t columns) {
+  const std::size_t taken = Columns(text);
+  if (taken < columns) text.append(columns - taken, ' ');
+  return text;
+}
+
 std::string CutToColumns(std::string_view text, std::size_t columns) {
   std::string cut;
   std::size_t taken = 0;

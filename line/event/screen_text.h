@@ -21,6 +21,9 @@ std::vector<std::string> CleanLines(std::string_view text);
 // Columns that a cleaned text takes on a terminal.
 std::size_t Columns(std::string_view text);
 
+// The text with blanks after it, so that it takes at least so many columns.
+std::string Padded(std::string text, std::size_t columns);
+
 // The longest start of a cleaned text that takes at most so many columns.
 std::string CutToColumns(std::string_view text, std::size_t columns);
 

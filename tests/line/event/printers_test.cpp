@@ -132,7 +132,7 @@ const EventRow kEvents[] = {
   {WaitEvent{WaitReason::kHook, ""}, "", ""},
   {MessageEvent{Source::kPlugin, Level::kInfo, "one\ntwo\r\x1b[2J\n", false}, "", "comm-3: one\ncomm-3: two\n"},
   {MessageEvent{Source::kOutput, Level::kInfo, "much", true}, "", "comm-3: much\ncomm-3: (the rest of this output was cut)\n"},
-  {ErrorEvent{"job", "No step.", "a.toml", 3, 7}, "", "zvisp-line: a.toml:3:7: No step.\n"},
+  {ErrorEvent{"job", "No step.", "a.toml", 3, 7}, "", "a.toml:3:7: No step.\n"},
   {FindingEvent{UnitState::kProgramming, 40, "2026-11-21T12:00:00.000Z"}, "comm-3  ZP00000001  programming  program at 40 %  2026-11-21T12:00:00.000Z  run r1\n", ""},
   {ResolvedEvent{"scrapped"}, "comm-3  ZP00000001  resolved: scrapped  run r1\n", ""},
   {SummaryEvent{{{Outcome::kPassed, 2}, {Outcome::kTimedOut, 1}}, {{UnitState::kIdentical, 2}, {UnitState::kUncertain, 1}}}, "2 passed, 1 timed out; 2 identical, 1 uncertain\n", ""},
@@ -149,8 +149,9 @@ TEST(PlainPrinter, EveryTypeOfEventInWords) {
 }
 
 TEST(TerminalPrinter, RedrawsTheRowInPlaceAndErasesItAtTheEnd) {
-  const Printed printed =
-      PrintedBy([] { PlayRun(*MakeTerminalPrinter({}, [] { return std::size_t{40}; })); });
+  const Printed printed = PrintedBy([] {
+    PlayRun(*MakeTerminalPrinter({}, [] { return TerminalSize{40, 24}; }));
+  });
   EXPECT_EQ(printed.out, "comm-3  ZP00000001  PASS  programmed\n");
   EXPECT_EQ(printed.err,
             "comm-3 ZP00000001 waits  0:00"
@@ -171,7 +172,7 @@ TEST(TerminalPrinter, RedrawsTheRowInPlaceAndErasesItAtTheEnd) {
 TEST(TerminalPrinter, ErasesRowsThatANarrowerTerminalHasBroken) {
   std::size_t columns = 80;
   const Printed printed = PrintedBy([&columns] {
-    const auto printer = MakeTerminalPrinter({}, [&columns] { return columns; });
+    const auto printer = MakeTerminalPrinter({}, [&columns] { return TerminalSize{columns, 24}; });
     printer->Take(At(0, UnitStartEvent{}));  // 29 columns
     columns = 10;
     printer->Tick(1001000);
@@ -185,23 +186,6 @@ TEST(TerminalPrinter, ErasesRowsThatANarrowerTerminalHasBroken) {
             "\r\x1b[J"
             "comm-3 ZP00000001 waits  0:02"
             "\r\x1b[J");
-}
-
-TEST(TerminalPrinter, RowsOfSeveralRunsAreBelowEachOther) {
-  const Printed printed = PrintedBy([] {
-    const auto printer = MakeTerminalPrinter({}, [] { return std::size_t{80}; });
-    printer->Take(At(0, UnitStartEvent{}));
-    Event other = At(0, UnitStartEvent{});
-    other.where.run = "r2";
-    other.where.place = "comm-4";
-    printer->Take(other);
-    printer->Take(At(0, EndEvent{}));
-  });
-  EXPECT_EQ(printed.err,
-            "comm-3 ZP00000001 waits  0:00"
-            "\r\x1b[J"
-            "comm-3 ZP00000001 waits  0:00\r\ncomm-4 ZP00000001 waits  0:00"
-            "\r\x1b[1A\x1b[J");
 }
 
 TEST(QuietPrinter, PrintsErrorsAndNothingElse) {

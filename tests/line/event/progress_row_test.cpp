@@ -8,8 +8,12 @@
 namespace line {
 namespace {
 
+ProgressRow NewRow() {
+  return {"comm-3", "ZP00000001", 1000000};
+}
+
 ProgressRow RowAt(int percent, std::uint64_t ms) {
-  ProgressRow row(At(0, UnitStartEvent{}));
+  ProgressRow row = NewRow();
   row.Follow(At(0, StartEvent{}));
   row.Follow(At(0, MessageEvent{}, Phase::kProgram));
   row.Follow(ProgressAt(ms, percent));
@@ -40,7 +44,7 @@ TEST(ProgressRow, LeavesOutTheLeastImportantWhereThereIsNoRoom) {
 }
 
 TEST(ProgressRow, WithoutAPercentageThereIsNoBar) {
-  ProgressRow row(At(0, UnitStartEvent{}));
+  ProgressRow row = NewRow();
   EXPECT_EQ(row.Text(79, 1002000), "comm-3 ZP00000001 waits  0:02");
   row.Follow(At(5000, StartEvent{}));
   EXPECT_EQ(row.Text(79, 1067000), "comm-3 ZP00000001 program  1:02");
@@ -64,9 +68,8 @@ TEST(ProgressRow, RemainingTimeIsShownOnlyWhenItCanBeKnown) {
 }
 
 TEST(ProgressRow, ShowsNoControlCharactersOfASerial) {
-  Event start = At(0, UnitStartEvent{});
-  start.where.unit = "ZP\x1b[31m\r1";
-  EXPECT_EQ(ProgressRow(start).Text(79, 1000000), "comm-3 ZP1 waits  0:00");
+  const ProgressRow row("comm-3", "ZP\x1b[31m\r1", 1000000);
+  EXPECT_EQ(row.Text(79, 1000000), "comm-3 ZP1 waits  0:00");
 }
 
 }  // namespace
