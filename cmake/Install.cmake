@@ -72,13 +72,14 @@ install(SCRIPT ${staging}/InstallZsh.cmake)
 add_library(zvisp_plugin_api INTERFACE)
 add_library(zvisp::plugin ALIAS zvisp_plugin_api)
 set_target_properties(zvisp_plugin_api PROPERTIES EXPORT_NAME plugin)
-# The headers are C11, and C++11 for those who write a plug-in in C++.
-target_compile_features(zvisp_plugin_api INTERFACE c_std_11 cxx_std_11)
+# What a plug-in needs at least to include the headers.
+target_compile_features(zvisp_plugin_api INTERFACE c_std_99 cxx_std_11)
 target_include_directories(zvisp_plugin_api INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
   $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/zvisp>)
 install(FILES
     src/plugin/zvisp_plugin.h src/plugin/command_setting.h src/plugin/digital_sign_args.h
+    src/plugin/record_language.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zvisp/plugin)
 install(TARGETS zvisp_plugin_api EXPORT zvispTargets)
 install(EXPORT zvispTargets NAMESPACE zvisp:: FILE zvispConfig.cmake

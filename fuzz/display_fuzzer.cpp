@@ -15,7 +15,7 @@
 #include <cstring>
 
 #include "display/display.h"
-#include "plugin/digital_sign_args.h"
+#include "plugin/zvisp_plugin.h"
 #include "support/fuzzing.h"
 
 namespace {

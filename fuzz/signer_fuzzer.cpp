@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "plugin/digital_sign_args.h"
+#include "plugin/zvisp_plugin.h"
 #include "signer/certificate.h"
 #include "signer/keys.h"
 #include "signer/signature_file.h"

@@ -32,6 +32,10 @@ foreach(call IN ITEMS SignFwExport VerifySignatureExport)
     SOURCES ${recording_sign} DEFINITIONS LACKS_${call})
 endforeach()
 
+# As a customer's: the oldest C++ that the header is written for, and no library of ours.
+zvisp_add_test_plugin(plain_records SOURCES support/plain_records_plugin.cpp)
+set_target_properties(plain_records PROPERTIES CXX_STANDARD 11)
+
 if(NOT APPLE)
   zvisp_add_test_plugin(looked_up SOURCES support/looked_up_plugin.c)
 endif()

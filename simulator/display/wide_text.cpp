@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "display/wide_text.h"
 
-#include <algorithm>
+#include <cstring>
+
+#include "plugin/zvisp_plugin.h"
 
 namespace simulator {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+constexpr std::size_t kBytesOfACharacter = 4;
 
 // The shapes of a UTF-8 sequence, shortest first.
 struct Shape {
@@ -28,15 +31,6 @@ constexpr Shape kShapes[] = {
 
 bool IsCharacter(char32_t unit) {
   return unit <= 0x10FFFF && (unit < 0xD800 || unit > 0xDFFF);
-}
-
-void AppendUtf8(std::string& out, char32_t unit) {
-  const Shape* const shape = std::find_if(std::begin(kShapes), std::end(kShapes),
-                                          [unit](const Shape& s) { return unit <= s.last; });
-  out += static_cast<char>(shape->lead_bits | (unit >> (6 * shape->trailing)));
-  for (std::size_t left = shape->trailing; left-- > 0;) {
-    out += static_cast<char>(0x80U | ((unit >> (6 * left)) & 0x3FU));
-  }
 }
 
 // The lowest character that may be written in this shape: a longer form than needed is invalid.
@@ -66,15 +60,9 @@ char32_t TakeCharacter(std::string_view& utf8) {
 }  // namespace
 
 std::optional<std::string> ToUtf8(const wchar_t* buffer, std::size_t capacity) {
-  const wchar_t* const limit = buffer + capacity;
-  const wchar_t* const end = std::find(buffer, limit, L'\0');
-  if (end == limit) return std::nullopt;
-
-  std::string text;
-  for (const wchar_t* unit = buffer; unit != end; ++unit) {
-    if (!IsCharacter(static_cast<char32_t>(*unit))) return std::nullopt;
-    AppendUtf8(text, static_cast<char32_t>(*unit));
-  }
+  std::string text(kBytesOfACharacter * capacity, '\0');
+  if (!ZvWideToUtf8(buffer, capacity, text.data(), text.size())) return std::nullopt;
+  text.resize(std::strlen(text.c_str()));
   return text;
 }
 

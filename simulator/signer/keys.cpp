@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "plugin/digital_sign_args.h"
+#include "plugin/zvisp_plugin.h"
 #include "signer/input_file.h"
 #include "signer/library.h"
 #include "signer/pem.h"

@@ -4,7 +4,7 @@
 #ifndef ZVISP_SIMULATOR_SIGNER_REQUEST_H_
 #define ZVISP_SIMULATOR_SIGNER_REQUEST_H_
 
-#include "plugin/digital_sign_args.h"
+#include "plugin/zvisp_plugin.h"
 
 namespace signer {
 

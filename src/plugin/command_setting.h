@@ -4,7 +4,8 @@
 //
 // A plug-in is built apart from the tool and reads the record by byte offset, so this is a wire
 // format: 275328 bytes, little-endian, natural alignment. The layout is proved at the end of the
-// file. The header is plain C for plug-in authors; constructors and operations exist in C++ only.
+// file. A plug-in includes plugin/zvisp_plugin.h and sees plain structs; by itself in C++, this
+// header has the constructors and operations that the tool and hosts link.
 //
 // Prefixes of the fields: `ul` u32, `uc` u8, `b` u32 truth, `enum` u32 enumeration, `n` i32,
 // `sz` narrow UTF-8, `wsz` wide (4-byte units), both NUL-terminated inside their capacity,
@@ -15,10 +16,11 @@
 #ifndef ZVISP_PLUGIN_COMMAND_SETTING_H_
 #define ZVISP_PLUGIN_COMMAND_SETTING_H_
 
-#include <assert.h>
 #include <stddef.h>
 #include <stdint.h>
 #include <wchar.h>
+
+#include "plugin/record_language.h"
 
 // The numbers of all enumerations here reach plug-ins: never renumber them.
 
@@ -108,7 +110,7 @@ typedef struct STRUCT_C_STYLE_FW_BANK_SETTING {
   uint64_t ulReserved;             //    0 always 0
   uint32_t ulFileBank;             //    8 index of the bank inside its file, 0 = the file's first
   wchar_t wszPath[kPathCapacity];  //   12 full path of the file, at most 256 units
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_C_STYLE_FW_BANK_SETTING();
 #endif
 } STRUCT_C_STYLE_FW_BANK_SETTING;
@@ -118,7 +120,7 @@ typedef struct STRUCT_C_STYLE_MAP_FW {
   uint32_t ulCount;                                       //    0 number of valid entries
   uint32_t ulTargetBank[kMapFwCapacity];                  //    4 flash bank that entry i programs
   STRUCT_C_STYLE_FW_BANK_SETTING stBank[kMapFwCapacity];  // 1032 what entry i programs there
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   // Leaves ulTargetBank[64..255] as the memory was: plug-ins rely on ulCount, not on zeros.
   STRUCT_C_STYLE_MAP_FW();
 #endif
@@ -130,7 +132,7 @@ typedef struct STRUCT_FLAG_SETTING {
   uint8_t ucFlagData[kUserFlagCapacity];  //    4 --flagdata, unused bytes 0xFF
   uint32_t ulFlagAddr;                    // 1224 --flagaddr, flash address in bytes
   uint32_t ulReserved;                    // 1228 always 0
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_FLAG_SETTING();
 #endif
 } STRUCT_FLAG_SETTING;
@@ -142,7 +144,7 @@ typedef struct STRUCT_READ_VERSION_FROM_FLASH_SETTING {
   uint32_t ulTotalVerLen;      //  8 --totalverlen, bytes, at most 256
   uint32_t ulMajorVerLen;      // 12 --majorverlen, bytes, not 0
   uint32_t ulSubVerLen;        // 16 --subverlen, bytes
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_READ_VERSION_FROM_FLASH_SETTING();
 #endif
 } STRUCT_READ_VERSION_FROM_FLASH_SETTING;
@@ -150,7 +152,7 @@ typedef struct STRUCT_READ_VERSION_FROM_FLASH_SETTING {
 // Kept for plug-ins; the tool never writes it. 4 bytes.
 typedef struct STRUCT_READ_USER_DEFINED_VERSION_SETTING {
   uint32_t ulReserved;  // 0 always 0
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_READ_USER_DEFINED_VERSION_SETTING();
 #endif
 } STRUCT_READ_USER_DEFINED_VERSION_SETTING;
@@ -159,8 +161,8 @@ typedef struct STRUCT_READ_USER_DEFINED_VERSION_SETTING {
 typedef struct STRUCT_DUMP_FLASH_SETTING {
   uint32_t ulDumpAddr;                 // 0 --dumpaddr, flash address in bytes
   uint32_t ulDumpLen;                  // 4 --dumplen, bytes, not 0
-  wchar_t wszDumpFile[kPathCapacity];  // 8 --dumpname, or "dumpFile.bin"
-#ifdef __cplusplus
+  wchar_t wszDumpFile[kPathCapacity];  // 8 --dumpname as typed, or "dumpFile.bin"
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_DUMP_FLASH_SETTING();
 #endif
 } STRUCT_DUMP_FLASH_SETTING;
@@ -172,7 +174,7 @@ typedef struct STRUCT_I2C_WRITE_ACTION_TYPE_SETTING {
   uint8_t ucDataLen;                 //   2 number of bytes in ucData
   uint8_t ucData[kI2cDataCapacity];  //   3 the bytes, unused ones 0xFF
   uint32_t bDdcciCmd;                // 260 1 with --ddccicmd
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_I2C_WRITE_ACTION_TYPE_SETTING();
 #endif
 } STRUCT_I2C_WRITE_ACTION_TYPE_SETTING;
@@ -181,7 +183,7 @@ typedef struct STRUCT_I2C_WRITE_ACTION_TYPE_SETTING {
 typedef struct STRUCT_MERGE_FW_INFO_SETTING {
   uint32_t ulLength;                     // 0 number of bytes in ucData, at most 16
   uint8_t ucData[kMergeFwInfoCapacity];  // 4 the bytes
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_MERGE_FW_INFO_SETTING();
 #endif
 } STRUCT_MERGE_FW_INFO_SETTING;
@@ -196,13 +198,13 @@ typedef struct STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING {
   uint32_t enumMergeFwInfoType;         // 20 ENUM_CP_MERGE_FW_INFO_TYPE; constructor leaves it
   uint32_t enumCommID;                  // 24 communication interface 1..16, 0 = not given
   uint32_t enumEdpIspMode;              // 28 ENUM_EDP_ISP_MODE
-  int32_t bAutoSlaveAddr;               // 32 1 detect, 0 use ucSlaveAddr, -1 not yet judged
+  int32_t bAutoSlaveAddr;               // 32 1 detect, 0 use ucSlaveAddr, -1 not judged: boot code
   uint8_t ucSlaveAddr;                  // 36 --slave, 1..254
   uint32_t bSearchFw;                   // 40 1 with --searchfw
   uint32_t bCompareVer;                 // 44 1 with --comparever
   uint32_t bIspChannel;                 // 48 1 with --ispchannel
   uint32_t enumBootCodeType;            // 52 1 with --newboot
-  uint32_t enumIspMode;                 // 56 ENUM_ISP_MODE
+  uint32_t enumIspMode;                 // 56 ENUM_ISP_MODE, 0 for boot code
   uint32_t ulReserved;                  // 60 always 0
   uint32_t ulProgStartBank;             // 64 from the settings file only, in banks
   STRUCT_C_STYLE_MAP_FW stMapFw;        // 72
@@ -212,10 +214,10 @@ typedef struct STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING {
   STRUCT_DUMP_FLASH_SETTING stDumpFlash;                              // 272696 action 16
   STRUCT_I2C_WRITE_ACTION_TYPE_SETTING stI2CWriteAction;              // 273744 action 24
   wchar_t wszSettingFilePath[kPathCapacity];   // 274008 full path of the settings file
-  char szBootFwPath[kPathCapacity];            // 275048 --boot, only with a signature type
+  char szBootFwPath[kPathCapacity];            // 275048 --boot as typed, with a signature type
   STRUCT_MERGE_FW_INFO_SETTING stMergeFwInfo;  // 275308 action 22
 
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   // Sets the defaults. Leaves enumSWDigitalSignatureMode, enumMergeFwInfoType, the padding and
   // stMapFw.ulTargetBank[64..255] as the memory was.
   STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING();
@@ -236,12 +238,10 @@ typedef struct STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING {
 } STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
 // clang-format off
-#define ZVISP_AT(record, field, offset) \
-  static_assert(offsetof(record, field) == (offset), #record "::" #field " must stay at " #offset)
-#define ZVISP_SIZE(record, size) \
-  static_assert(sizeof(record) == (size), #record " must stay " #size " bytes")
+#define ZVISP_AT ZVISP_RECORD_CHECK_AT
+#define ZVISP_SIZE ZVISP_RECORD_CHECK_SIZE
 
-static_assert(sizeof(wchar_t) == 4, "wide text travels as 4-byte units");
+ZVISP_RECORD_CHECK(wide_text_must_travel_as_4_byte_units, sizeof(wchar_t) == 4);
 
 ZVISP_AT(STRUCT_C_STYLE_FW_BANK_SETTING, ulReserved,     0);
 ZVISP_AT(STRUCT_C_STYLE_FW_BANK_SETTING, ulFileBank,     8);

@@ -4,13 +4,14 @@
 //
 // A wire format like the command-setting record (plugin/command_setting.h, which also explains the
 // field prefixes): 1840 bytes, little-endian, every byte zero after construction. All texts are
-// UTF-8 and NUL-terminated inside their 260 bytes. Plain C for plug-in authors.
+// UTF-8 and NUL-terminated inside their 260 bytes.
 #ifndef ZVISP_PLUGIN_DIGITAL_SIGN_ARGS_H_
 #define ZVISP_PLUGIN_DIGITAL_SIGN_ARGS_H_
 
-#include <assert.h>
 #include <stddef.h>
 #include <stdint.h>
+
+#include "plugin/record_language.h"
 
 // The numbers of all enumerations here reach plug-ins: never renumber them.
 
@@ -61,15 +62,14 @@ typedef struct STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS {
   char szSignKeyFile[kSignTextCapacity];        // 1060 --skfile
   char szSubCertFile[kSignTextCapacity];        // 1320 --subcert
   char szNextVerifyKeyFile[kSignTextCapacity];  // 1580 --nextvkfile
-#ifdef __cplusplus
+#ifdef ZVISP_RECORD_OPERATIONS
   STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS();
 #endif
 } STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
 
 // clang-format off
 #define ZVISP_AT(field, offset) \
-  static_assert(offsetof(STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS, field) == (offset), \
-                #field " must stay at " #offset)
+  ZVISP_RECORD_CHECK_AT(STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS, field, offset)
 
 ZVISP_AT(enumActionType,         0);
 ZVISP_AT(enumSignatureType,      4);
@@ -83,7 +83,7 @@ ZVISP_AT(szVerifyKeyFile,      800);
 ZVISP_AT(szSignKeyFile,       1060);
 ZVISP_AT(szSubCertFile,       1320);
 ZVISP_AT(szNextVerifyKeyFile, 1580);
-static_assert(sizeof(STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS) == 1840, "the record must stay 1840 bytes");
+ZVISP_RECORD_CHECK_SIZE(STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS, 1840);
 
 #undef ZVISP_AT
 // clang-format on

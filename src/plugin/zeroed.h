@@ -6,6 +6,10 @@
 #ifndef ZVISP_PLUGIN_ZEROED_H_
 #define ZVISP_PLUGIN_ZEROED_H_
 
+#ifdef ZVISP_PLAIN_RECORDS
+#error "plugin/zeroed.h constructs records, and zvisp_plugin.h left their constructors out"
+#endif
+
 #include <cstdlib>
 #include <cstring>
 #include <memory>

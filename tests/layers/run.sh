@@ -40,6 +40,7 @@ refused src/settings/profile.h firmware/bank_map.h
 refused src/plugin/comm_operations.inc app/banner.h
 refused src/app/main.cpp line/event/event.h
 refused simulator/display/host.cpp plugin/comm_plugin.h
+refused simulator/display/host.cpp plugin/command_setting.h
 refused simulator/signer/keys.h base/path.h
 refused simulator/signer/keys.cpp display/host.h
 refused line/event/event.cpp journal/journal.h

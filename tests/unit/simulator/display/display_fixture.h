@@ -9,11 +9,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <memory>
 #include <string>
 
 #include "display/commands.h"
 #include "display/host.h"
-#include "plugin/zeroed.h"
 #include "support/files.h"
 #include "support/scratch_dir.h"
 
@@ -21,10 +21,11 @@
 
 class DisplayTest : public testing::Test {
  protected:
-  DisplayTest() : m_setting(zvisp::MakeZeroed<simulator::Setting>()) {
+  DisplayTest() : m_setting(std::make_unique<simulator::Setting>()) {
     setenv("ZVISP_SIM_DIR", m_scratch.Path().c_str(), 1);
     m_setting->enumActionType = 4;
     m_setting->enumCommID = 1;
+    m_setting->bAutoSlaveAddr = 1;
   }
 
   static void CopyText(wchar_t (&field)[260], const std::string& ascii) {
@@ -60,7 +61,7 @@ class DisplayTest : public testing::Test {
   }
 
   ScratchDir m_scratch;
-  zvisp::ZeroedPtr<simulator::Setting> m_setting;
+  std::unique_ptr<simulator::Setting> m_setting;
   simulator::Host m_host;
 };
 

@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#include "plugin/zvisp_plugin.h"
+
+#include "unit/plugin/views/plugin_views.h"
+#include "unit/plugin/views/record_layout.inc"
+
+const size_t* LayoutInCPlugin(size_t* count) {
+  *count = sizeof kLayout / sizeof kLayout[0];
+  return kLayout;
+}
+
+int WideToUtf8InC(const wchar_t* wide, size_t wide_capacity, char* utf8, size_t utf8_capacity) {
+  return ZvWideToUtf8(wide, wide_capacity, utf8, utf8_capacity);
+}
