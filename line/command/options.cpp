@@ -87,6 +87,7 @@ class Grammar {
     m_app.formatter(std::make_shared<HelpText>("COMMAND"));
     m_app.require_subcommand(1);
     AddUnitCommands();
+    AddJobCommands();
     AddJournalCommands();
   }
 
@@ -162,24 +163,83 @@ class Grammar {
   void AddUnitOptions(CLI::App& app) {
     app.footer(std::string(kWords) + kStatuses);
     AddText(app, "--unit", m_options.unit, "SERIAL", "Serial of the display");
-    app.add_option("--timeout", m_options.timeout_s, "End the run after so long; 0: never")
-        ->check(CLI::Validator(CheckSeconds, ""))
-        ->type_name("SECONDS");
-    app.add_option("--wait", m_options.wait_s, "Wait so long for an interface in use")
-        ->check(CLI::Validator(CheckSeconds, ""))
-        ->type_name("SECONDS");
-    AddText(app, "--plugins", m_options.plugins, "DIR", "Directory of the plug-ins");
+    AddTimeout(app);
+    AddWait(app);
+    AddPlugins(app);
     app.add_option("--nothing-written", m_options.nothing_written,
                    "Codes by which the plug-in promises that nothing was written")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->check(CLI::Validator(CheckCode, ""))
         ->type_name("CODE,...");
+    AddStrictness(app);
+  }
+
+  void AddTimeout(CLI::App& app) {
+    app.add_option("--timeout", m_options.timeout_s, "End the run after so long; 0: never")
+        ->check(CLI::Validator(CheckSeconds, ""))
+        ->type_name("SECONDS");
+  }
+
+  void AddWait(CLI::App& app) {
+    app.add_option("--wait", m_options.wait_s, "Wait so long for an interface in use")
+        ->check(CLI::Validator(CheckSeconds, ""))
+        ->type_name("SECONDS");
+  }
+
+  void AddPlugins(CLI::App& app) {
+    AddText(app, "--plugins", m_options.plugins, "DIR", "Directory of the plug-ins");
+  }
+
+  void AddStrictness(CLI::App& app) {
     AddFlag(app, "--allow-unsigned", m_options.allow_unsigned,
             "Program files that the signature does not cover");
     app.add_option("--expect", m_options.expect, "Scaler type that --getscalertype must answer")
         ->check(CLI::Validator(CheckCode, ""))
         ->type_name("N");
+  }
+
+  static void AddTexts(CLI::App& app, const char* name, std::vector<std::string>& values,
+                       const char* type, const char* help) {
+    app.add_option(name, values, help)
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(CheckText, ""))
+        ->type_name(type);
+  }
+
+  void AddJobCommands() {
+    CLI::App& batch = AddCommand(m_app, "batch", "batch [OPTIONS] JOB",
+                                 "Do a job at all its places at once", Command::kBatch);
+    batch.footer(kStatuses);
+    batch.add_option("JOB", m_options.job, "The job's file")
+        ->required()
+        ->check(CLI::Validator(CheckText, ""))
+        ->type_name("");
+    AddFlag(batch, "--check", m_options.check, "Judge the whole job; touch nothing");
+    AddTexts(batch, "--unit", m_options.units, "PLACE=SERIAL",
+             "Serial of the display at a place; once for each");
+    AddTexts(batch, "--skip", m_options.skip, "PLACE", "Leave a place out; may be repeated");
+    AddWait(batch);
+    AddPlugins(batch);
+    CLI::App& job = *m_app.add_subcommand("job", "Files for batch");
+    job.group("Commands");
+    job.formatter(std::make_shared<HelpText>("job COMMAND"));
+    job.require_subcommand(1);
+    AddJobInit(AddCommand(job, "init", "job init [OPTIONS] -- ZVISP-WORDS",
+                          "Write a job of these words, with sizes and hashes", Command::kJobInit));
+  }
+
+  void AddJobInit(CLI::App& app) {
+    app.footer(std::string(kWords) + kStatuses);
+    AddText(app, "--output", m_options.output, "FILE", "Write this new file, not standard output");
+    AddText(app, "--name", m_options.name, "NAME", "Name of the job");
+    AddText(app, "--pattern", m_options.pattern, "REGEX", "What a serial looks like");
+    AddTexts(app, "--place", m_options.places, "NAME=COMM",
+             "A place and the number of its interface; may be repeated");
+    AddTimeout(app);
+    AddFlag(app, "--readback", m_options.readback, "Read the flash back afterwards and compare");
+    AddStrictness(app);
+    AddPlugins(app);
   }
 
   void AddJournalCommands() {

@@ -14,7 +14,16 @@
 
 namespace line {
 
-enum class Command { kPlan, kRun, kReadback, kJournalShow, kJournalDoctor, kJournalResolve };
+enum class Command {
+  kPlan,
+  kRun,
+  kReadback,
+  kBatch,
+  kJobInit,
+  kJournalShow,
+  kJournalDoctor,
+  kJournalResolve
+};
 
 struct Options {
   Command command = Command::kPlan;
@@ -24,7 +33,7 @@ struct Options {
   When progress = When::kAuto;
   When color = When::kAuto;
   std::string data;  // --data, as given
-  // Of plan, run and readback.
+  // Of plan, run and readback; some of them of batch and job init as well.
   std::string unit;
   std::optional<double> timeout_s;
   double wait_s = 0;
@@ -35,6 +44,16 @@ struct Options {
   std::vector<std::string> ignore;  // --ignore FIRST-LAST, as given
   std::optional<std::uint32_t> expect;
   std::vector<std::string> words;  // zvisp's, without a program name
+  // Of batch.
+  std::string job;  // path of the job's file, as given
+  bool check = false;
+  std::vector<std::string> units;  // --unit PLACE=SERIAL, as given
+  std::vector<std::string> skip;   // --skip PLACE
+  // Of job init.
+  std::string output;               // --output, as given; empty: standard output
+  std::string name;                 // --name
+  std::string pattern;              // --pattern
+  std::vector<std::string> places;  // --place NAME=COMM, as given
   // Of journal show and journal resolve.
   std::string run;
   std::string note;
