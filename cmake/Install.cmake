@@ -46,6 +46,7 @@ if(TARGET zvisp-line)
   zvisp_install(tool zvisp-line ${home} zvisp-line)
   zvisp_install_link(zvisp-line)
   install(FILES docs/zvisp-line.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES line/event.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp)
   install(FILES completions/zvisp-line.bash RENAME zvisp-line
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   install(FILES completions/zvisp-line.fish

@@ -10,6 +10,7 @@ trap 'rm -rf "$work"' EXIT
 fail() { echo "line_test: $*"; exit 1; }
 
 for file in "$prefix"/share/man/man1/zvisp-line.1* \
+    "$prefix"/share/doc/zvisp/event.schema.json \
     "$prefix"/share/bash-completion/completions/zvisp-line \
     "$prefix"/share/fish/vendor_completions.d/zvisp-line.fish "$prefix"/share/zsh/*/_zvisp-line; do
   [ -s "$file" ] || fail "$file was not installed"

@@ -133,6 +133,8 @@ TEST(BatchRows, TheNextStepStartsWithoutPercentageOfTheOneBefore) {
   next.where.step = "scaler type";
   batch.Take({next});
   EXPECT_THAT(batch.Rows({77, 23}, 8000), ElementsAre("A1 ZP00000001 scaler type  0:02"));
+  batch.Take({Percent(1, 9000, 100)});
+  EXPECT_THAT(batch.Rows({77, 23}, 9000)[0], testing::StartsWith("A1 ZP00000001 program   [###"));
 }
 
 }  // namespace
