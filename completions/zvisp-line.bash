@@ -1,6 +1,12 @@
 # SPDX-License-Identifier: MIT
 # bash completion for zvisp-line: commands, options, files, known words; after "--", zvisp's own.
 
+# Files of jobs, and the directories on the way to them.
+_zvisp_line_jobs() {
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -X '!*.toml' -- "$1"; compgen -d -- "$1")
+}
+
 _zvisp_line() {
   local common='--help --version --json --quiet --progress --color --data'
   local unit='--unit --timeout --wait --plugins --nothing-written --allow-unsigned --expect'
@@ -22,14 +28,27 @@ _zvisp_line() {
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return ;;
-    --unit | --timeout | --wait | --nothing-written | --expect | --ignore | --run | --note) return ;;
+    --output)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      return ;;
+    --unit | --timeout | --wait | --nothing-written | --expect | --ignore | --run | --note | --skip | \
+      --place | --name | --pattern) return ;;
   esac
   local words
   case ${COMP_WORDS[1]}-$COMP_CWORD in
-    *-1) words='plan run readback journal --help --version' ;;
+    *-1) words='plan run readback batch job journal --help --version' ;;
     plan-*) words="$common $unit --" ;;
     run-*) words="$common $unit --readback --ignore --" ;;
     readback-*) words="$common $unit --ignore --" ;;
+    batch-*)
+      words="$common --check --unit --skip --wait --plugins"
+      [[ $current == -* ]] || _zvisp_line_jobs "$current" ;;
+    job-2) words='init --help' ;;
+    job-*)
+      case ${COMP_WORDS[2]} in
+        init) words="$common --output --name --pattern --place --timeout --readback --plugins --allow-unsigned --expect --" ;;
+      esac ;;
     journal-2) words='show doctor resolve --help' ;;
     journal-*)
       case ${COMP_WORDS[2]} in
@@ -38,7 +57,7 @@ _zvisp_line() {
         resolve) words="$common --note" ;;
       esac ;;
   esac
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < <(compgen -W "$words" -- "$current")
 }
 
 complete -F _zvisp_line zvisp-line

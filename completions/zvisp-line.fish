@@ -9,7 +9,7 @@ end
 
 function __zvisp_line_begins
     test (count (commandline -opc)) -eq $argv[1]; or return 1
-    test $argv[1] -eq 1; or test (commandline -opc)[2] = journal
+    test $argv[1] -eq 1; or test (commandline -opc)[2] = $argv[2]
 end
 
 function __zvisp_line_after_dashes
@@ -24,12 +24,13 @@ function __zvisp_line_words
     complete -C "$zvisp "(commandline -ct)
 end
 
-set -g __zvisp_line_all plan run readback journal-show journal-doctor journal-resolve
+set -g __zvisp_line_all plan run readback batch job-init journal-show journal-doctor journal-resolve
 
 complete -c zvisp-line -f
 complete -c zvisp-line -n '__zvisp_line_after_dashes' -a '(__zvisp_line_words)'
-complete -c zvisp-line -n '__zvisp_line_begins 1' -a 'plan run readback journal'
-complete -c zvisp-line -n '__zvisp_line_begins 2' -a 'show doctor resolve'
+complete -c zvisp-line -n '__zvisp_line_begins 1' -a 'plan run readback batch job journal'
+complete -c zvisp-line -n '__zvisp_line_begins 2 job' -a 'init'
+complete -c zvisp-line -n '__zvisp_line_begins 2 journal' -a 'show doctor resolve'
 complete -c zvisp-line -n '__zvisp_line_uses $__zvisp_line_all' -l help -d 'print the options'
 complete -c zvisp-line -n '__zvisp_line_uses $__zvisp_line_all' -l version -d 'print the version'
 complete -c zvisp-line -n '__zvisp_line_uses $__zvisp_line_all' -l json -d 'report by JSON Lines'
@@ -42,10 +43,22 @@ complete -c zvisp-line -n '__zvisp_line_uses plan run readback' -l timeout -x -d
 complete -c zvisp-line -n '__zvisp_line_uses plan run readback' -l wait -x -d 'wait so long for an interface'
 complete -c zvisp-line -n '__zvisp_line_uses plan run readback' -l plugins -x -a '(__fish_complete_directories)' -d 'directory of the plug-ins'
 complete -c zvisp-line -n '__zvisp_line_uses plan run readback' -l nothing-written -x -d 'codes that promise that nothing was written'
-complete -c zvisp-line -n '__zvisp_line_uses plan run readback' -l allow-unsigned -d 'program files that no signature covers'
-complete -c zvisp-line -n '__zvisp_line_uses plan run readback' -l expect -x -d 'scaler type that is right'
+complete -c zvisp-line -n '__zvisp_line_uses plan run readback job-init' -l allow-unsigned -d 'program files that no signature covers'
+complete -c zvisp-line -n '__zvisp_line_uses plan run readback job-init' -l expect -x -d 'scaler type that is right'
 complete -c zvisp-line -n '__zvisp_line_uses run' -l readback -d 'read back and compare'
 complete -c zvisp-line -n '__zvisp_line_uses run readback' -l ignore -x -d 'leave these addresses out'
+complete -c zvisp-line -n '__zvisp_line_uses batch' -k -a '(__fish_complete_suffix .toml)'
+complete -c zvisp-line -n '__zvisp_line_uses batch' -l check -d 'judge the job'
+complete -c zvisp-line -n '__zvisp_line_uses batch' -l unit -x -d 'serial at a place'
+complete -c zvisp-line -n '__zvisp_line_uses batch' -l skip -x -d 'leave a place out'
+complete -c zvisp-line -n '__zvisp_line_uses batch' -l wait -x -d 'wait so long for an interface'
+complete -c zvisp-line -n '__zvisp_line_uses batch job-init' -l plugins -x -a '(__fish_complete_directories)' -d 'directory of the plug-ins'
+complete -c zvisp-line -n '__zvisp_line_uses job-init' -l output -r -F -d 'new file'
+complete -c zvisp-line -n '__zvisp_line_uses job-init' -l name -x -d 'name of the job'
+complete -c zvisp-line -n '__zvisp_line_uses job-init' -l pattern -x -d 'what a serial looks like'
+complete -c zvisp-line -n '__zvisp_line_uses job-init' -l place -x -d 'a place and its interface'
+complete -c zvisp-line -n '__zvisp_line_uses job-init' -l timeout -x -d 'end the step after so long'
+complete -c zvisp-line -n '__zvisp_line_uses job-init' -l readback -d 'read back and compare'
 complete -c zvisp-line -n '__zvisp_line_uses journal-show' -l unit -x -d 'only this display'
 complete -c zvisp-line -n '__zvisp_line_uses journal-show' -l run -x -d 'only this run'
 complete -c zvisp-line -n '__zvisp_line_uses journal-resolve' -l note -x -d 'why it is clear'

@@ -51,7 +51,7 @@ std::string CheckText(std::string& text) {
   return text.find_first_not_of(' ') == std::string::npos ? "the text is blank" : "";
 }
 
-constexpr const char* kTitle = "Programs displays one by one, with progress, record and the truth.";
+constexpr const char* kTitle = "Programs one display or many, with progress, record and the truth.";
 constexpr const char* kStatuses =
     "Exit status: 0 passed, 1 failed or different, 2 refused, 3 not available,\n"
     "4 not recorded, 5 uncertain, 129, 130 or 143 ended by a signal.";
@@ -208,10 +208,10 @@ class Grammar {
   }
 
   void AddJobCommands() {
-    CLI::App& batch = AddCommand(m_app, "batch", "batch [OPTIONS] JOB",
+    CLI::App& batch = AddCommand(m_app, "batch", "batch [OPTIONS] JOB.toml",
                                  "Do a job at all its places at once", Command::kBatch);
     batch.footer(kStatuses);
-    batch.add_option("JOB", m_options.job, "The job's file")
+    batch.add_option("JOB.toml", m_options.job, "The job's file")
         ->required()
         ->check(CLI::Validator(CheckText, ""))
         ->type_name("");
@@ -274,6 +274,11 @@ std::string WordsOf(const CLI::App& app) {
   return parent == nullptr ? app.get_name() : WordsOf(*parent) + " " + app.get_name();
 }
 
+// The help says which commands do.
+bool TakesWords(const CLI::App& command) {
+  return command.get_footer().starts_with(kWords);
+}
+
 // What is wrong with a command line. The library ends some of its sentences itself.
 std::string Complaint(const CLI::ParseError& error, CLI::App& app, bool has_words) {
   const std::vector<std::string> strangers = app.remaining(true);
@@ -286,7 +291,11 @@ std::string Complaint(const CLI::ParseError& error, CLI::App& app, bool has_word
   }
   if (needs_command) return strangers.front() + " is not a command";
   return strangers.front() + " is not an option of " + command.get_name() +
-         (has_words ? "" : "; the words of zvisp belong after \"--\"");
+         (has_words || !TakesWords(command) ? "" : "; the words of zvisp belong after \"--\"");
+}
+
+std::string Refusal(const std::string& complaint, CLI::App& app) {
+  return "Command line: " + complaint + "; see " + WordsOf(Innermost(app)) + " --help.";
 }
 
 ParsedOptions TextOf(std::string text) {
@@ -306,14 +315,18 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
   Grammar grammar(options);
   try {
     grammar.Parse({arguments.begin(), end});
+    const CLI::App& command = Innermost(grammar.App());
+    if (end != arguments.end() && !TakesWords(command)) {
+      parsed.text = Refusal(command.get_name() + " takes no words of zvisp", grammar.App());
+      return parsed;
+    }
     parsed.kind = ParsedOptions::Kind::kRun;
   } catch (const CLI::CallForHelp&) {
     return TextOf(Innermost(grammar.App()).help());
   } catch (const CLI::CallForVersion& version) {
     return TextOf(std::string(version.what()) + "\n");
   } catch (const CLI::ParseError& error) {
-    parsed.text = "Command line: " + Complaint(error, grammar.App(), end != arguments.end()) +
-                  "; see " + WordsOf(Innermost(grammar.App())) + " --help.";
+    parsed.text = Refusal(Complaint(error, grammar.App(), end != arguments.end()), grammar.App());
     // The printer of a refusal is chosen by these two, wherever the mistake is.
     options.json = std::find(arguments.begin(), end, "--json") != end;
     options.quiet = std::find(arguments.begin(), end, "--quiet") != end;

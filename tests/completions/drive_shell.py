@@ -36,6 +36,16 @@ CASES = (
     ("zvisp-line journal show --ru", "zvisp-line journal show --run "),
     ("zvisp-line readback --progress al", "zvisp-line readback --progress always "),
     ("zvisp-line plan --plugins ke", "zvisp-line plan --plugins keys/"),
+    ("zvisp-line bat", "zvisp-line batch "),
+    ("zvisp-line batch rel", "zvisp-line batch release.toml "),
+    ("zvisp-line batch ke", "zvisp-line batch keys/"),
+    ("zvisp-line batch release.toml --che", "zvisp-line batch release.toml --check "),
+    ("zvisp-line batch release.toml --unit pan", "zvisp-line batch release.toml --unit pan"),
+    ("zvisp-line batch release.toml --plugins ke", "zvisp-line batch release.toml --plugins keys/"),
+    ("zvisp-line job in", "zvisp-line job init "),
+    ("zvisp-line job init --out", "zvisp-line job init --output "),
+    ("zvisp-line job init --output pan", "zvisp-line job init --output panel.bin "),
+    ("zvisp-line job init -- --getsc", "zvisp-line job init -- --getscalertype "),
     ("zvisp-line run -- --getsc", "zvisp-line run -- --getscalertype "),
     ("zvisp-line run --json -- --isp --fw pan", "zvisp-line run --json -- --isp --fw panel.bin "),
 )
@@ -107,7 +117,7 @@ def main(name, completions):
         print(f"{name} is not installed")
         sys.exit(1 if os.environ.get("CI") else SKIPPED)
     with tempfile.TemporaryDirectory() as home:
-        for file in ("panel.bin", "other.ini"):
+        for file in ("panel.bin", "other.ini", "release.toml"):
             pathlib.Path(home, file).touch()
         pathlib.Path(home, "keys").mkdir()
         shell = Shell(command, home)

@@ -7,7 +7,7 @@ import re
 import subprocess
 import sys
 
-COMMANDS = ("plan", "run", "readback", "journal show", "journal doctor", "journal resolve")
+COMMANDS = ("plan", "run", "readback", "batch", "job init", "journal show", "journal doctor", "journal resolve")
 
 
 def from_help(tool, command):
@@ -22,7 +22,8 @@ def bash_list(text, name):
 def from_bash(text, command):
     first, *rest = command.split()
     block = text[text.index("local words"):]
-    line = re.search(rf"^\s*{rest[0] if rest else first + '-[*]'}\) words=(.*?);;", block, re.M)
+    line = re.search(rf"^\s*{rest[0] if rest else first + '-[*]'}\)\s+words=(.*?);;", block,
+                     re.M | re.S)
     words = line.group(1)
     found = set(re.findall(r"--([\w-]+)", words))
     for name in ("common", "unit"):
@@ -35,7 +36,7 @@ def from_zsh(text, command):
     lists = {name: set(re.findall(r"'\*?--([\w-]+)\[", body)) for name, body in
              re.findall(r"^(\w+)=\((.*?)\)$", text, re.M | re.S)}
     name = command.split()[-1]
-    words = re.search(rf"^\s*{name}\) _arguments (.*?);;", text, re.M).group(1)
+    words = re.search(rf"^\s*{name}\)\s+_arguments (.*?);;", text, re.M | re.S).group(1)
     found = set(re.findall(r"'\*?--([\w-]+)\[", words))
     for used in re.findall(r"\$(\w+)\[@\]", words):
         found |= lists[used]

@@ -9,7 +9,7 @@ import re
 import subprocess
 import sys
 
-COMMANDS = (["plan"], ["run"], ["readback"],
+COMMANDS = (["plan"], ["run"], ["readback"], ["batch"], ["job", "init"],
             ["journal", "show"], ["journal", "doctor"], ["journal", "resolve"])
 
 

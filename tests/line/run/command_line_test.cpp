@@ -65,6 +65,18 @@ TEST_F(CommandLineOf, WordsOfZvispWithoutTheDashesAreNamed) {
             "zvisp-line: Command line: RUN is required; see zvisp-line journal resolve --help.\n");
 }
 
+TEST_F(CommandLineOf, WordsAfterTheDashesOfACommandWithoutWordsAreRefused) {
+  const RunResult batch = Say({"batch", "job.toml", "--", "--isp"});
+  EXPECT_EQ(batch.status, 2);
+  EXPECT_EQ(batch.err,
+            "zvisp-line: Command line: batch takes no words of zvisp; see zvisp-line batch --help."
+            "\n");
+  EXPECT_EQ(Say({"batch", "job.toml", "other.toml"}).err,
+            "zvisp-line: Command line: other.toml is not an option of batch; see zvisp-line batch "
+            "--help.\n");
+  EXPECT_EQ(Say({"journal", "show", "--", "--isp"}).status, 2);
+}
+
 TEST_F(CommandLineOf, HelpNamesTheProgramAndWhatFollowsEachOption) {
   const RunResult help = Say({"run", "--help"});
   EXPECT_EQ(help.status, 0);
