@@ -6,10 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
 #include <utility>
+
+#include "line/supervise/unnamed_file.h"
 
 namespace line {
 
@@ -25,20 +24,10 @@ OutputFollower::~OutputFollower() {
 }
 
 bool OutputFollower::Open(std::string& error) {
-  char path[] = "/tmp/zvisp-line-output-XXXXXX";
-  const int file = mkstemp(path);
-  if (file >= 0) {
-    // Without a name the file goes with its last descriptor, even after a kill.
-    unlink(path);
-    // Appending, so that the worker continues at the new end when the file was emptied.
-    fcntl(file, F_SETFL, O_APPEND);
-    m_file = fcntl(file, F_DUPFD_CLOEXEC, 16);
-    close(file);
-  }
-  if (m_file >= 0) return true;
-  error = std::string("No file can be made in /tmp: ") + std::strerror(errno) +
-          "; make room there, or make it writable.";
-  return false;
+  m_file = OpenUnnamedFile(error);
+  // Appending, so that the worker continues at the new end when the file was emptied.
+  if (m_file >= 0) fcntl(m_file, F_SETFL, O_APPEND);
+  return m_file >= 0;
 }
 
 void OutputFollower::ReadNew() {

@@ -3,10 +3,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
-#include <spawn.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -18,20 +15,9 @@
 
 using namespace zvisp;
 
-extern char** environ;
-
 namespace line {
 
 namespace {
-
-// Numbers that the worker's own descriptors do not use, so that none of them is moved onto itself.
-constexpr int kFirstFree = 16;
-
-int MovedUp(int descriptor) {
-  const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, kFirstFree);
-  close(descriptor);
-  return moved;
-}
 
 // Both ends are closed in every process that is started but the worker, which gets its own.
 bool MakeSocketPair(int (&ends)[2]) {
@@ -43,85 +29,18 @@ bool MakeSocketPair(int (&ends)[2]) {
   return ends[0] >= 0 && ends[1] >= 0;
 }
 
-class FileActions {
- public:
-  FileActions() { posix_spawn_file_actions_init(&m_actions); }
-  ~FileActions() { posix_spawn_file_actions_destroy(&m_actions); }
-  FileActions(const FileActions&) = delete;
-  FileActions& operator=(const FileActions&) = delete;
-
-  void Open(int number, const char* path) {
-    posix_spawn_file_actions_addopen(&m_actions, number, path, O_RDONLY, 0);
-  }
-  void Put(int descriptor, int number) {
-    posix_spawn_file_actions_adddup2(&m_actions, descriptor, number);
-  }
-  const posix_spawn_file_actions_t* Get() const { return &m_actions; }
-
- private:
-  posix_spawn_file_actions_t m_actions{};
-};
-
-// Default signals and none of them blocked, in a process group of its own: Ctrl-C on the terminal
-// reaches the parent alone.
-class Attributes {
- public:
-  Attributes() {
-    sigset_t all;
-    sigset_t none;
-    sigfillset(&all);
-    sigemptyset(&none);
-    posix_spawnattr_init(&m_attributes);
-    posix_spawnattr_setsigdefault(&m_attributes, &all);
-    posix_spawnattr_setsigmask(&m_attributes, &none);
-    posix_spawnattr_setpgroup(&m_attributes, 0);
-    posix_spawnattr_setflags(
-        &m_attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
-  }
-  ~Attributes() { posix_spawnattr_destroy(&m_attributes); }
-  Attributes(const Attributes&) = delete;
-  Attributes& operator=(const Attributes&) = delete;
-  const posix_spawnattr_t* Get() const { return &m_attributes; }
-
- private:
-  posix_spawnattr_t m_attributes{};
-};
-
-std::vector<char*> Pointers(std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (std::string& text : texts) {
-    pointers.push_back(text.data());
-  }
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-int Spawn(int output, int copies_lock, int socket, pid_t& pid) {
+int Spawn(int output, int copies_lock, int socket, ChildProcess& process) {
   char program[4096] = {};
   ReadProcessPath(program, sizeof program);
   // The last one begins the messages of zvisp's scanner.
-  std::vector<std::string> texts = {"zvisp-line", kWorkerCommand, "zvisp"};
-  const std::vector<char*> arguments = Pointers(texts);
-  FileActions actions;
-  actions.Put(output, STDOUT_FILENO);
-  actions.Put(output, STDERR_FILENO);
-  actions.Put(socket, kWorkerSocket);
+  ChildOrder order = {program, {"zvisp-line", kWorkerCommand, "zvisp"}, "", {}, {STDIN_FILENO}};
+  order.puts = {{output, STDOUT_FILENO}, {output, STDERR_FILENO}, {socket, kWorkerSocket}};
   if (copies_lock >= 0) {
-    actions.Put(copies_lock, kWorkerCopiesLock);
+    order.puts.push_back({copies_lock, kWorkerCopiesLock});
   } else {
-    actions.Open(kWorkerCopiesLock, "/dev/null");
+    order.nulls.push_back(kWorkerCopiesLock);
   }
-  actions.Open(STDIN_FILENO, "/dev/null");
-  const Attributes attributes;
-  return posix_spawn(&pid, program, actions.Get(), attributes.Get(), arguments.data(), environ);
-}
-
-ProcessEnd EndOf(int status) {
-  ProcessEnd end;
-  if (WIFEXITED(status)) end.exit_status = WEXITSTATUS(status);
-  if (WIFSIGNALED(status)) end.signal = WTERMSIG(status);
-  return end;
+  return process.Start(order);
 }
 
 #ifdef MSG_NOSIGNAL
@@ -134,20 +53,15 @@ constexpr int kNoSignal = 0;  // main ignores SIGPIPE
 
 WorkerProcess::~WorkerProcess() {
   CloseSocket();
-  if (m_pid < 0) return;
-  Signal(SIGKILL);
-  while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
-  }
 }
 
 bool WorkerProcess::Start(int output, int copies_lock, std::string& error) {
   int ends[2] = {-1, -1};
   int failure = MakeSocketPair(ends) ? 0 : errno;
-  if (failure == 0) failure = Spawn(output, copies_lock, ends[1], m_pid);
+  if (failure == 0) failure = Spawn(output, copies_lock, ends[1], m_process);
   if (ends[1] >= 0) close(ends[1]);
   m_socket = ends[0];
   if (failure == 0) return true;
-  m_pid = -1;
   error = std::string("A worker cannot be started: ") + std::strerror(failure) +
           "; free memory or processes and try again.";
   return false;
@@ -244,25 +158,6 @@ std::optional<Frame> WorkerProcess::WaitForFrame() {
     if (poll(&entry, 1, -1) < 0 && errno != EINTR) return std::nullopt;
     ReceiveSome();
   }
-}
-
-void WorkerProcess::Signal(int signal) const {
-  if (m_pid > 0) kill(-m_pid, signal);
-}
-
-std::optional<ProcessEnd> WorkerProcess::TakeEnd() {
-  siginfo_t info = {};
-  if (m_pid < 0) return std::nullopt;
-  if (waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-      info.si_pid != m_pid) {
-    return std::nullopt;
-  }
-  // While the worker has not been waited for, its number belongs to nobody else.
-  Signal(SIGKILL);
-  int status = 0;
-  waitpid(m_pid, &status, 0);
-  m_pid = -1;
-  return EndOf(status);
 }
 
 }  // namespace line

@@ -4,21 +4,14 @@
 #ifndef ZVISP_LINE_SUPERVISE_WORKER_PROCESS_H_
 #define ZVISP_LINE_SUPERVISE_WORKER_PROCESS_H_
 
-#include <sys/types.h>
-
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "line/supervise/child_process.h"
 #include "line/worker/messages.h"
 
 namespace line {
-
-// How a process ended.
-struct ProcessEnd {
-  std::optional<int> exit_status;
-  std::optional<int> signal;
-};
 
 class WorkerProcess {
  public:
@@ -53,10 +46,10 @@ class WorkerProcess {
   std::optional<Frame> WaitForFrame();
 
   // To the worker and what its plug-in has started.
-  void Signal(int signal) const;
+  void Signal(int signal) const { m_process.Signal(signal); }
 
   // The worker's end, once: its process group is then ended as well. Nothing while it runs.
-  std::optional<ProcessEnd> TakeEnd();
+  std::optional<ProcessEnd> TakeEnd() { return m_process.TakeEnd(); }
 
  private:
   void CloseSocket();
@@ -64,7 +57,7 @@ class WorkerProcess {
   bool ReceiveSome();
   std::vector<Frame> TakeFrames();
 
-  pid_t m_pid = -1;
+  ChildProcess m_process;
   int m_socket = -1;
   std::string m_to_send;
   std::vector<int> m_files;    // to go with the byte at m_files_at
