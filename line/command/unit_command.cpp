@@ -19,8 +19,8 @@
 #include "line/job/strictness.h"
 #include "line/journal/history.h"
 #include "line/journal/journal.h"
+#include "line/supervise/batch_run.h"
 #include "line/supervise/private_copies.h"
-#include "line/supervise/supervisor.h"
 
 using namespace zvisp;
 
@@ -59,7 +59,7 @@ ExitStatus StatusOfSignal(int signal) {
   }
 }
 
-ExitStatus StatusOf(const StepEnd& end) {
+ExitStatus StatusOf(const UnitEnd& end) {
   switch (end.outcome) {
     case Outcome::kPassed:
       return kExitPassed;
@@ -82,12 +82,12 @@ class UnitCommand {
 
  private:
   ExitStatus Prepare();
-  StepRequest Request();
-  ExitStatus Approve(JudgedWords& words, StepRequest& request);
-  void FillIn(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, Where& where) const;
-  Where WholeUnit() const;
+  UnitRequest Request();
+  StepRequest Step() const;
+  ExitStatus Approve(JudgedWords& words, UnitRequest& request);
+  void FillIn(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, UnitRequest& request) const;
   void OnStart();
-  ExitStatus Finish(const StepEnd& end, int stop_signal);
+  ExitStatus Finish(const UnitEnd& end, int stop_signal) const;
   bool ReadsBack() const { return m_options.readback || ReadsOnly(); }
   bool ReadsOnly() const { return m_options.command == Command::kReadback; }
 
@@ -100,9 +100,7 @@ class UnitCommand {
   std::unique_ptr<PrivateCopies> m_copies;
   OptionScan m_scan;
   std::optional<PlanEvent> m_plan;
-  Where m_where;
-  std::uint64_t m_attempt = 1;
-  bool m_is_unsigned = false;  // --allow-unsigned lets files through
+  Where m_where;  // of the unit
 };
 
 ExitStatus UnitCommand::Prepare() {
@@ -126,10 +124,10 @@ ExitStatus UnitCommand::Prepare() {
   return kExitPassed;
 }
 
-ExitStatus UnitCommand::Approve(JudgedWords& words, StepRequest& request) {
+ExitStatus UnitCommand::Approve(JudgedWords& words, UnitRequest& request) {
   const ExitStatus approval = ApproveWords(m_options, m_scan, words, m_session);
   if (approval != kExitPassed) return approval;
-  m_is_unsigned = ProgramsUnsignedFiles(m_scan, words);
+  request.is_unsigned = ProgramsUnsignedFiles(m_scan, words);
   std::string error = ReadsBack() ? WhyNoReadBack(*words.setting) : "";
   if (!error.empty()) return Report(m_session, kExitRefused, "read-back", error);
   if (!UseCopies(*m_copies, words, error)) {
@@ -138,74 +136,64 @@ ExitStatus UnitCommand::Approve(JudgedWords& words, StepRequest& request) {
   // After the copies: what is hashed is what the plug-in reads.
   m_plan = MakePlan(m_scan, words, error);
   if (!m_plan) return Report(m_session, kExitRefused, "file", error);
-  FillIn(*words.setting, request.where);
-  m_where = request.where;
-  m_attempt = HistoryOf(m_data, m_where.unit, "").attempts + 1;
-  request.attempt = m_attempt;
+  FillIn(*words.setting, request);
   return kExitPassed;
 }
 
-void UnitCommand::FillIn(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting, Where& where) const {
+void UnitCommand::FillIn(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting,
+                         UnitRequest& request) const {
+  Where& where = request.where;
   where.comm = setting.enumCommID;
   where.place = "comm-" + std::to_string(setting.enumCommID);
   // A display without a serial is known by its place.
   if (where.unit.empty()) where.unit = where.place;
-  where.step = ReadsOnly() ? "readback" : StepNameOf(setting.enumActionType);
-  where.step_index = 0;
-}
-
-// What concerns the unit, and not one of its steps.
-Where UnitCommand::WholeUnit() const {
-  Where where = m_where;
-  where.step.clear();
-  where.step_index.reset();
-  return where;
+  request.steps.front().name = ReadsOnly() ? "readback" : StepNameOf(setting.enumActionType);
+  request.attempt = HistoryOf(m_data, where.unit, "").attempts + 1;
 }
 
 void UnitCommand::OnStart() {
   m_session.Emit({}, MakeHello(PluginDirectory(m_options.plugins)));
-  m_session.Emit(WholeUnit(), *m_plan);
-  m_session.Emit(WholeUnit(), UnitStartEvent{m_attempt, m_is_unsigned});
+  m_session.Emit(m_where, *m_plan);
 }
 
-StepRequest UnitCommand::Request() {
-  StepRequest request;
+StepRequest UnitCommand::Step() const {
+  StepRequest step;
+  step.words = m_options.words;
+  step.plugin_directory = PluginDirectory(m_options.plugins);
+  step.data_directory = m_data;
+  step.timeout_s = m_options.timeout_s;
+  step.wanted = {m_options.nothing_written, m_options.expect};
+  step.reads_back = ReadsBack();
+  step.reads_only = ReadsOnly();
+  step.ignored = m_ignored;
+  step.copies_lock = m_copies->LockDescriptor();
+  step.dump_prefix = m_copies->PathFor("dump-");
+  return step;
+}
+
+UnitRequest UnitCommand::Request() {
+  UnitRequest request;
   request.where.run = NewUuid();
   request.where.unit = m_options.unit;
-  request.words = m_options.words;
-  request.plugin_directory = PluginDirectory(m_options.plugins);
-  request.data_directory = m_data;
   request.wait_ms = static_cast<std::uint64_t>(m_options.wait_s * 1000);
-  request.timeout_s = m_options.timeout_s;
-  request.wanted = {m_options.nothing_written, m_options.expect};
-  request.reads_back = ReadsBack();
-  request.reads_only = ReadsOnly();
-  request.ignored = m_ignored;
-  request.copies_lock = m_copies->LockDescriptor();
-  request.dump_prefix = m_copies->PathFor("dump-");
-  request.approve = [this](JudgedWords& words, StepRequest& completed) {
-    return Approve(words, completed);
+  request.steps.push_back(Step());
+  request.always_has_result = false;
+  request.approve = [this](JudgedWords& words, UnitRequest& completed) {
+    const ExitStatus status = Approve(words, completed);
+    m_where = completed.where;
+    return status;
   };
   request.on_start = [this] { OnStart(); };
   return request;
 }
 
-ExitStatus UnitCommand::Finish(const StepEnd& end, int stop_signal) {
+ExitStatus UnitCommand::Finish(const UnitEnd& end, int stop_signal) const {
   const ExitStatus interrupted = StatusOfSignal(stop_signal);
   if (!end.started) return end.interrupted ? interrupted : end.status;
-  UnitResultEvent result;
-  result.outcome = end.outcome;
-  result.state = end.state;
-  result.attempt = m_attempt;
-  result.failed_step = end.outcome == Outcome::kPassed ? "" : m_where.step;
-  result.recorded = end.recorded;
-  result.duration_ms = end.duration_ms;
-  m_session.Emit(WholeUnit(), result);
-  const bool recorded = m_journal->WaitFor(m_record->Last()) && end.recorded;
   ExitStatus status = StatusOf(end);
   if (end.interrupted) status = interrupted;
   // An untouched display needs no record: nothing has to be known about it.
-  if (!recorded && end.state != UnitState::kUntouched) {
+  if (!end.recorded && end.state != UnitState::kUntouched) {
     status = Weightier(status, kExitNotRecorded);
   }
   // Last, because it counts more than every other status.
@@ -218,10 +206,11 @@ ExitStatus UnitCommand::Run() {
   // From here on every event is recorded. What was refused before is only printed.
   m_session.Add(*m_record);
   const Reporting reporting = {m_session, *m_journal, *m_record};
-  Supervisor supervisor(reporting);
-  StepRun step(Request(), reporting);
-  supervisor.Run({&step});
-  const ExitStatus status = Finish(step.End(), supervisor.StopSignal());
+  std::vector<UnitRequest> units;
+  units.push_back(Request());
+  BatchRun batch(std::move(units), {}, reporting);
+  batch.Run();
+  const ExitStatus status = Finish(batch.Ends().front(), batch.StopSignal());
   m_session.Remove(*m_record);
   return status;
 }

@@ -2,6 +2,7 @@
 #include "line/supervise/read_back.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -15,6 +16,7 @@ namespace {
 
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 
+constexpr const char* kShortDump = "the plug-in dumped fewer bytes than it was asked for";
 // The record counts addresses in 32 bits.
 constexpr std::uint64_t kFlashEnd = std::uint64_t{1} << 32;
 
@@ -28,7 +30,24 @@ std::string ReadAt(const std::string& path, std::uint64_t offset, std::size_t le
   return bytes;
 }
 
+std::string SpacedHex(const std::string& bytes) {
+  std::string text;
+  for (const char byte : bytes) {
+    char digits[4];
+    std::snprintf(digits, sizeof digits, text.empty() ? "%02X" : " %02X",
+                  static_cast<unsigned char>(byte));
+    text += digits;
+  }
+  return text;
+}
+
 }  // namespace
+
+ReadFinding CompareRead(const FlashRead& read, const std::string& dump) {
+  const std::string bytes = ReadAt(dump, 0, read.length);
+  if (bytes.size() != read.length) return {kShortDump, "", ""};
+  return {"", SpacedHex(bytes), SpacedHex(read.equals)};
+}
 
 std::string WhyNoReadBack(const Setting& setting) {
   switch (setting.enumActionType) {
@@ -148,7 +167,7 @@ ReadBack::Finding ReadBack::Compare(const Range& range, const std::string& dump)
     const std::string actual = ReadAt(dump, piece.address - range.address, piece.length);
     // A dump that is too short proves nothing, so it is a failure and not a difference.
     if (expected.size() != piece.length || actual.size() != piece.length) {
-      finding.failure = "the plug-in dumped fewer bytes than it was asked for";
+      finding.failure = kShortDump;
       return finding;
     }
     finding.compared_bytes += piece.length;

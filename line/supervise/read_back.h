@@ -59,6 +59,20 @@ class ReadBack {
   std::vector<Range> m_ranges;
 };
 
+// Bytes of the flash that must have these values.
+struct FlashRead {
+  std::uint32_t address = 0, length = 0;
+  std::string equals;  // `length` bytes
+};
+
+struct ReadFinding {
+  std::string failure;          // a sentence when there is nothing to compare with
+  std::string value, expected;  // "52 34 2E"
+};
+
+// Compares what a plug-in dumped of these bytes into a file.
+ReadFinding CompareRead(const FlashRead& read, const std::string& dump);
+
 // Why the words cannot be read back, in a sentence; empty when they can.
 std::string WhyNoReadBack(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting);
 

@@ -18,15 +18,6 @@ std::string_view PathOf(const char (&text)[kPathCapacity]) {
   return {text, strnlen(text, sizeof text)};
 }
 
-bool ProgramsBootCode(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
-  return setting.enumIspMode == ISP_MODE_FACTORY && !PathOf(setting.szBootFwPath).empty();
-}
-
-std::string HolderOf(const Where& where) {
-  return "process " + std::to_string(getpid()) + " (unit " + where.unit + ", user " +
-         std::to_string(geteuid()) + ")";
-}
-
 // zvisp programs the boot code first, so of its writing calls the first is the boot code's.
 Phase PhaseOf(const CallTrace& trace, bool boot_code) {
   if (trace.last == "GetKeyFromFlash") return Phase::kSignature;
@@ -36,45 +27,30 @@ Phase PhaseOf(const CallTrace& trace, bool boot_code) {
 
 }  // namespace
 
-StepRun::StepRun(StepRequest request, const Reporting& reporting)
-    : m_request(std::move(request)), m_reporting(reporting) {}
-
-void StepRun::EmitError(std::string id, std::string text) {
-  ErrorEvent error;
-  error.id = std::move(id);
-  error.text = std::move(text);
-  Emit(std::move(error));
+bool ProgramsBootCode(const STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING& setting) {
+  return setting.enumIspMode == ISP_MODE_FACTORY && !PathOf(setting.szBootFwPath).empty();
 }
 
-void StepRun::EndWithoutStart(ExitStatus status) {
-  m_end.status = status;
-  // The worker waits for the parent and has called nothing, so it can be ended at once.
-  m_worker.Signal(SIGKILL);
-  m_stage = Stage::kDone;
-}
-
-void StepRun::Start() {
-  std::string error;
-  if (m_output.Open(error) && m_worker.Start(m_output.Descriptor(), m_request.copies_lock, error)) {
-    m_worker.Send(Encode(WordsMessage{m_request.words}));
-    return;
+bool StepRun::StartWorker(std::string& error) {
+  if (!m_output.Open(error) ||
+      !m_worker.Start(m_output.Descriptor(), m_request.copies_lock, error)) {
+    return false;
   }
-  EmitError("worker-not-started", error);
-  m_end.status = kExitUnavailable;
-  m_stage = Stage::kDone;
+  m_stage = Stage::kJudging;
+  if (!m_request.judged) m_worker.Send(Encode(WordsMessage{m_request.words}));
+  return true;
 }
 
 void StepRun::OnReadable() {
   for (const Frame& frame : m_worker.Receive()) {
-    if (m_stage != Stage::kDone) Take(frame);
+    Take(frame);
   }
 }
 
 // A frame that does not belong to the stage is passed over: a plug-in may have written it.
 void StepRun::Take(const Frame& frame) {
-  const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
   if (m_stage == Stage::kJudging && frame.type == MessageType::kJudged) OnJudged(frame);
-  if (!runs) return;
+  if (!Runs()) return;
   if (frame.type == MessageType::kCall) OnCall(frame);
   if (const auto progress = Decode<ProgressMessage>(frame)) OnProgress(progress->percent);
   if (const auto message = Decode<TextMessage>(frame)) OnMessage(*message);
@@ -82,87 +58,71 @@ void StepRun::Take(const Frame& frame) {
 }
 
 void StepRun::OnJudged(const Frame& frame) {
-  std::optional<JudgedWords> words = DecodeJudged(frame);
-  if (!words) {
-    EmitError("worker-broken", "The worker's verdict cannot be read; try the words with zvisp.");
-    EndWithoutStart(kExitUnavailable);
-    return;
+  m_verdict = DecodeJudged(frame);
+  if (m_verdict) {
+    m_verdict->said = m_output.TakeText();
+  } else {
+    m_stage = Stage::kBroken;
   }
-  m_words = std::move(*words);
-  m_words.said = m_output.TakeText();
-  // It puts the private copies into the records, so everything below sees the copies.
-  const ExitStatus status = m_request.approve(m_words, m_request);
-  if (status != kExitPassed) {
-    EndWithoutStart(status);
-    return;
-  }
-  const auto& setting = *m_words.setting;
+}
+
+bool StepRun::Prepare(std::string& error) {
+  const auto& setting = *m_request.judged->setting;
   m_trace.edp_mode = setting.enumEdpIspMode;
-  std::string error;
-  if (m_request.reads_back && !m_read_back.Plan(setting, m_request.ignored, error)) {
-    EmitError("read-back", error);
-    EndWithoutStart(kExitRefused);
-    return;
+  m_has_boot_code = ProgramsBootCode(setting);
+  if (m_request.read) {
+    m_ranges = {{m_request.read->address, m_request.read->length}};
+    return true;
   }
-  m_stage = Stage::kLocking;
-  m_interface.Begin({setting.enumCommID, ProgramsBootCode(setting)}, HolderOf(m_request.where),
-                    m_request.wait_ms, MonotonicMs());
-  OnLockTried();
+  if (!m_request.reads_back) return true;
+  if (!m_read_back.Plan(setting, m_request.ignored, error)) return false;
+  m_ranges = m_read_back.Ranges();
+  return true;
 }
 
-void StepRun::OnLockTried() {
-  switch (m_interface.Now()) {
-    case InterfaceWait::State::kTaken:
-      OnLocked();
-      break;
-    case InterfaceWait::State::kInUse:
-      EmitError("interface-in-use",
-                m_interface.Reason() + "; wait for its end, or give --wait SECONDS.");
-      EndWithoutStart(kExitUnavailable);
-      break;
-    case InterfaceWait::State::kNotAvailable:
-      EmitError("lock-not-available", m_interface.Reason());
-      EndWithoutStart(kExitUnavailable);
-      break;
-    default:
-      if (m_interface.IsLong() && !std::exchange(m_told_of_wait, true)) {
-        Emit(WaitEvent{WaitReason::kInterface, m_interface.Reason()});
-      }
-  }
-}
-
-GoMessage StepRun::GoFor(const JudgedWords& words) const {
+GoMessage StepRun::MakeGo(const StepPlace& place) const {
+  const JudgedWords& words = *m_request.judged;
   GoMessage go;
   go.setting = PackSetting(*words.setting);
   go.sign_args.assign(reinterpret_cast<const char*>(words.sign_args.get()),
                       sizeof *words.sign_args);
   go.plugin_directory = m_request.plugin_directory;
   go.data_directory = m_request.data_directory;
-  go.run = m_request.where.run;
-  go.unit = m_request.where.unit;
-  go.place = m_request.where.place;
-  go.step = m_request.where.step;
+  go.run = m_where.run;
+  go.unit = m_where.unit;
+  go.place = m_where.place;
+  go.job_name = m_where.job_name;
+  go.step = m_where.step;
+  go.step_index = place.index;
   go.comm = words.setting->enumCommID;
-  go.attempt = m_request.attempt;
-  go.reads_only = m_request.reads_only;
+  go.attempt = place.attempt;
+  go.state_before = static_cast<std::uint32_t>(place.state);
+  go.is_last = place.is_last;
+  go.reads_only = ReadsOnly();
   go.reads_back = m_request.reads_back;
   go.has_expected = m_request.wanted.scaler_type.has_value();
   go.expected = m_request.wanted.scaler_type.value_or(0);
   go.nothing_written = m_request.wanted.nothing_written;
+  for (const FileFacts& file : m_request.in_place) {
+    go.in_place.push_back(file.path);
+    go.in_place_sha256.push_back(file.sha256);
+  }
   return go;
 }
 
-void StepRun::OnLocked() {
-  // Only with the lock: a run that had to wait in vain leaves no start in the record.
-  m_request.on_start();
-  m_end.started = true;
+void StepRun::Go(const StepPlace& place, const std::vector<int>& lock_files) {
+  m_where = place.where;
+  m_where.step = m_request.name;
+  m_where.step_index = place.index;
+  m_where.phase = Phase::kPrepare;
+  m_before = place.state;
+  m_end.state = place.state;
   m_started_ms = MonotonicMs();
-  m_request.where.phase = Phase::kPrepare;
   Emit(StartEvent{m_request.timeout_s});
   m_stage = Stage::kRunning;
-  m_worker.SendWith(m_interface.Files(), FrameBytes(MessageType::kLock, ""));
-  m_worker.Send(Encode(GoFor(m_words)));
-  if (m_request.reads_only) StartReadBack();
+  m_worker.SendWith(lock_files, FrameBytes(MessageType::kLock, ""));
+  m_worker.Send(Encode(MakeGo(place)));
+  if (ReadsOnly()) StartReadBack();
 }
 
 // The plug-in is not called before the disk has the line that says so.
@@ -171,7 +131,7 @@ void StepRun::OnCall(const Frame& frame) {
   if (!call || m_call_is_pending) return;
   const UnitState previous = m_end.state;
   const bool writes = m_trace.Begin(call->name);
-  m_request.where.phase = PhaseOf(m_trace, ProgramsBootCode(*m_words.setting));
+  m_where.phase = PhaseOf(m_trace, m_has_boot_code);
   if (!writes) {
     m_worker.Send(Encode(MayCallMessage{true}));
     return;
@@ -241,45 +201,21 @@ void StepRun::ReportOutput(bool is_end) {
   Emit(std::move(event));
 }
 
-// Before the run begins there is nothing to end softly (see EndWithoutStart). Later a plug-in may
-// need its time to leave the display in order.
+// A plug-in may need its time to leave the display in order.
 void StepRun::EndWorker(Outcome why, std::uint64_t now_ms) {
-  const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
-  if (!runs || m_ended_by_us) return;
+  if (!Runs() || m_ended_by_us) return;
   m_ended_by_us = why;
   m_kill_at_ms = now_ms + kGraceMs;
   m_worker.Signal(SIGTERM);
 }
 
-std::optional<std::uint64_t> StepRun::WakesAtMs() const {
-  if (m_stage != Stage::kLocking) return std::nullopt;
-  return m_interface.NextTryMs();
-}
-
 void StepRun::OnTick(std::uint64_t now_ms) {
-  if (m_stage == Stage::kLocking) {
-    m_interface.OnTick(now_ms);
-    OnLockTried();
-  }
-  const bool runs = m_stage == Stage::kRunning || m_stage == Stage::kReadingBack;
-  if (runs) ReportOutput(false);
+  if (Runs()) ReportOutput(false);
   if (m_request.timeout_s && *m_request.timeout_s > 0 &&
       static_cast<double>(now_ms - m_started_ms) >= *m_request.timeout_s * 1000) {
     EndWorker(Outcome::kTimedOut, now_ms);
   }
   if (m_kill_at_ms != 0 && now_ms >= m_kill_at_ms) m_worker.Signal(SIGKILL);
-}
-
-void StepRun::StartNothingNew() {
-  if (m_stage != Stage::kJudging && m_stage != Stage::kLocking) return;
-  m_end.interrupted = true;
-  EmitError("interrupted", "The run was stopped before it began; its display is untouched.");
-  EndWithoutStart(kExitInterrupt);
-}
-
-void StepRun::Interrupt(std::uint64_t now_ms) {
-  StartNothingNew();
-  EndWorker(Outcome::kInterrupted, now_ms);
 }
 
 }  // namespace line

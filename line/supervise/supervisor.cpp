@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "line/supervise/supervisor.h"
 
-#include <poll.h>
 #include <signal.h>
 
 #include <algorithm>
@@ -13,103 +12,142 @@ namespace line {
 namespace {
 
 // Clocks, time-outs and what plug-ins print are served ten times a second.
-constexpr int kTickMs = 100;
+constexpr std::uint64_t kTickMs = 100;
 // A terminal that is closed sends SIGHUP twice, once itself and once by its shell; nobody asked a
 // second time for that.
 constexpr std::uint64_t kSameHangUpMs = 2000;
 
-bool AllAreDone(const std::vector<StepRun*>& steps) {
-  return std::all_of(steps.begin(), steps.end(),
-                     [](const StepRun* step) { return step->IsDone(); });
-}
-
-std::uint64_t NextWake(const std::vector<StepRun*>& steps, std::uint64_t next_tick) {
-  std::uint64_t wake = next_tick;
-  for (const StepRun* const step : steps) {
-    wake = std::min(wake, step->WakesAtMs().value_or(wake));
-  }
-  return wake;
-}
-
 // Milliseconds for poll.
-int WaitUntil(std::uint64_t ms) {
+int UntilMs(std::uint64_t ms) {
   const std::uint64_t now = MonotonicMs();
   return now >= ms ? 0 : static_cast<int>(ms - now);
 }
 
+BatchSchedule::UnitVerdict VerdictOf(const UnitEnd& end) {
+  if (!end.started || end.outcome == Outcome::kInterrupted) {
+    return BatchSchedule::UnitVerdict::kUncounted;
+  }
+  return end.outcome == Outcome::kPassed ? BatchSchedule::UnitVerdict::kPassed
+                                         : BatchSchedule::UnitVerdict::kFailed;
+}
+
 }  // namespace
 
-void Supervisor::Run(const std::vector<StepRun*>& steps) {
-  for (StepRun* const step : steps) {
-    step->Start();
-  }
+void Supervisor::Run() {
   std::uint64_t next_tick = MonotonicMs() + kTickMs;
-  while (!AllAreDone(steps)) {
-    const std::uint64_t wake = NextWake(steps, next_tick);
-    WaitForSomething(steps, wake);
+  for (FollowSchedule(); !m_served.empty() || !m_schedule.IsEmpty(); FollowSchedule()) {
+    const std::uint64_t wake = NextWake(next_tick);
+    WaitForSomething(wake);
     const std::uint64_t now = MonotonicMs();
     if (now < wake) continue;
     if (now >= next_tick) {
       next_tick = now + kTickMs;
       m_reporting.session.Tick(now);
     }
-    for (StepRun* const step : steps) {
-      step->OnTick(now);
+    for (const Served& served : m_served) {
+      served.unit->OnTick(now);
     }
   }
 }
 
-void Supervisor::WaitForSomething(const std::vector<StepRun*>& steps, std::uint64_t wake_ms) {
-  std::vector<pollfd> entries = {{m_signals.Descriptor(), POLLIN, 0},
-                                 {m_reporting.journal.WakeUpDescriptor(), POLLIN, 0}};
-  for (const StepRun* const step : steps) {
-    const short wanted = step->WantsToSend() ? POLLIN | POLLOUT : POLLIN;
-    // poll passes over a negative descriptor, so entry i + 2 always belongs to step i.
-    entries.push_back({step->IsDone() ? -1 : step->Socket(), wanted, 0});
+// A unit may end when it has hardly been started, which lets the next one start.
+void Supervisor::FollowSchedule() {
+  do {
+    LeaveOut();
+    while (const std::optional<std::size_t> next = m_schedule.TakeNext(MonotonicMs())) {
+      UnitRun& unit = *m_units[*next];
+      m_served.push_back({*next, &unit, false});
+      unit.Start();
+    }
+  } while (NoteEnds());
+}
+
+// True when the schedule has heard of an end.
+bool Supervisor::NoteEnds() {
+  bool is_news = false;
+  for (Served& served : m_served) {
+    if (served.has_ended || !served.unit->HasEnded()) continue;
+    served.has_ended = true;
+    is_news = true;
+    m_schedule.OnEnd(served.index, VerdictOf(served.unit->End()));
   }
-  if (poll(entries.data(), static_cast<nfds_t>(entries.size()), WaitUntil(wake_ms)) <= 0) return;
-  if (entries[1].revents != 0) {
+  std::erase_if(m_served, [](const Served& served) { return served.unit->IsDone(); });
+  return is_news;
+}
+
+void Supervisor::LeaveOut() {
+  const Outcome outcome = m_stop_signal != 0 ? Outcome::kInterrupted : Outcome::kRefused;
+  for (const std::size_t index : m_schedule.TakeLeftOut()) {
+    UnitRun& unit = *m_units[index];
+    unit.Decline(outcome, m_schedule.WhyNot());
+    // It may have a hook to tell.
+    m_served.push_back({index, &unit, true});
+  }
+}
+
+std::uint64_t Supervisor::NextWake(std::uint64_t next_tick_ms) const {
+  std::uint64_t wake = std::min(next_tick_ms, m_schedule.WakesAtMs().value_or(next_tick_ms));
+  for (const Served& served : m_served) {
+    wake = std::min(wake, served.unit->WakesAtMs().value_or(wake));
+  }
+  return wake;
+}
+
+void Supervisor::WaitForSomething(std::uint64_t wake_ms) {
+  m_polled.clear();
+  m_polled.push_back({m_signals.Descriptor(), POLLIN, 0});
+  m_polled.push_back({m_reporting.journal.WakeUpDescriptor(), POLLIN, 0});
+  for (const Served& served : m_served) {
+    const short wanted = served.unit->WantsToSend() ? POLLIN | POLLOUT : POLLIN;
+    // poll passes over a negative descriptor, so entry i + 2 always belongs to unit i.
+    m_polled.push_back({served.unit->Socket(), wanted, 0});
+  }
+  if (poll(m_polled.data(), static_cast<nfds_t>(m_polled.size()), UntilMs(wake_ms)) <= 0) return;
+  if (m_polled[1].revents != 0) {
     m_reporting.journal.ClearWakeUp();
-    for (StepRun* const step : steps) {
-      step->OnRecorded();
+    for (const Served& served : m_served) {
+      served.unit->OnRecorded();
     }
   }
-  for (std::size_t i = 0; i < steps.size(); ++i) {
-    const short events = entries[i + 2].revents;
-    if ((events & POLLOUT) != 0) steps[i]->OnWritable();
-    if ((events & ~POLLOUT) != 0) steps[i]->OnReadable();
+  for (std::size_t i = 0; i < m_served.size(); ++i) {
+    const short events = m_polled[i + 2].revents;
+    if ((events & POLLOUT) != 0) m_served[i].unit->OnWritable();
+    if ((events & ~POLLOUT) != 0) m_served[i].unit->OnReadable();
   }
   // Last, so that what a worker said before its end has been heard.
-  if (entries[0].revents != 0) TakeSignals(steps);
+  if (m_polled[0].revents != 0) TakeSignals();
 }
 
-void Supervisor::TakeSignals(const std::vector<StepRun*>& steps) {
+void Supervisor::TakeSignals() {
   const std::vector<int> signals = m_signals.Take();
-  for (StepRun* const step : steps) {
-    step->OnProcessEnded();
+  for (const Served& served : m_served) {
+    served.unit->OnProcessEnded();
   }
   for (const int signal : signals) {
-    Stop(steps, signal);
+    Stop(signal);
   }
 }
 
-void Supervisor::Stop(const std::vector<StepRun*>& steps, int signal) {
+void Supervisor::Stop(int signal) {
   const bool first = m_stop_signal == 0;
   const std::uint64_t now = MonotonicMs();
   if (first) {
     m_stop_signal = signal;
     m_stopped_ms = now;
+    m_schedule.Stop();
   } else if (signal == SIGHUP && now - m_stopped_ms < kSameHangUpMs) {
     return;
   }
-  for (StepRun* const step : steps) {
+  for (const Served& served : m_served) {
     if (first) {
-      step->StartNothingNew();
+      served.unit->StartNothingNew();
     } else {
-      step->Interrupt(now);
+      served.unit->Interrupt(now);
     }
   }
-  if (AllAreDone(steps)) return;
+  const bool all_done = std::all_of(m_served.begin(), m_served.end(),
+                                    [](const Served& served) { return served.unit->IsDone(); });
+  if (all_done) return;
   Say(first ? "Nothing new is started, and what runs is finished; once more ends it now."
             : "What runs is ended; its displays may be half-written.");
 }

@@ -98,10 +98,12 @@ struct ResultMessage {
   static constexpr MessageType kType = MessageType::kResult;
   std::uint32_t code = 0;
   std::string missing = {};  // which plug-in or call is missing, and why; empty for other results
+  std::string changed_file = {};  // of those that are used in place, one that is not what it was
   template <typename Archive>
   void Fields(Archive& archive) {
     archive(code);
     archive(missing);
+    archive(changed_file);
   }
 };
 
@@ -121,14 +123,19 @@ struct GoMessage {
   std::string sign_args;         // its bytes
   std::string plugin_directory;  // ends in "/"
   std::string data_directory;    // of the record, an absolute path
-  std::string run, unit, place, step;
+  std::string run, unit, place, job_name, step;
+  std::uint32_t step_index = 0;
   std::uint32_t comm = 0;
   std::uint64_t attempt = 1;
-  bool reads_only = false;  // nothing is called until Dump
-  bool reads_back = false;  // Dump follows when the action has succeeded
+  std::uint32_t state_before = 0;  // UnitState that earlier steps have left
+  bool is_last = true;             // no step follows
+  bool reads_only = false;         // nothing is called until Dump
+  bool reads_back = false;         // Dump follows when the action has succeeded
   bool has_expected = false;
   std::uint32_t expected = 0;  // the scaler type
   std::vector<std::uint32_t> nothing_written;
+  // Files that are used in place, and their SHA-256: they must be the same before and afterwards.
+  std::vector<std::string> in_place, in_place_sha256;
   template <typename Archive>
   void Fields(Archive& archive) {
     archive(setting);
@@ -138,14 +145,20 @@ struct GoMessage {
     archive(run);
     archive(unit);
     archive(place);
+    archive(job_name);
     archive(step);
+    archive(step_index);
     archive(comm);
     archive(attempt);
+    archive(state_before);
+    archive(is_last);
     archive(reads_only);
     archive(reads_back);
     archive(has_expected);
     archive(expected);
     archive(nothing_written);
+    archive(in_place);
+    archive(in_place_sha256);
   }
 };
 

@@ -62,19 +62,7 @@ Verdict AfterReadingCall(std::uint32_t code, const Wanted& wanted) {
           "the plug-in reports a failure"};
 }
 
-}  // namespace
-
-bool CallTrace::Begin(std::string_view name) {
-  constexpr std::uint32_t kProgramsEeprom = EDP_ISP_MODE_ISP;
-  last = name;
-  // Entering ISP mode and a reset leave the firmware as it is.
-  const bool writes = name == "IspFlash" || name == "RecordFWVersion" ||
-                      (name == "IspEeprom" && edp_mode == kProgramsEeprom);
-  writing += writes ? 1 : 0;
-  return writes;
-}
-
-Verdict JudgeResult(const CallTrace& trace, std::uint32_t code, const Wanted& wanted) {
+Verdict JudgeCode(const CallTrace& trace, std::uint32_t code, const Wanted& wanted) {
   if (trace.last == "GetScalerType") return OfScalerType(code, wanted);
   const bool wrote = trace.writing > 0;
   if (code == 0) {
@@ -92,9 +80,39 @@ Verdict JudgeResult(const CallTrace& trace, std::uint32_t code, const Wanted& wa
           "the plug-in reports a failure, and the display may be half-written"};
 }
 
+Verdict OfChangedFile(const CallTrace& trace, const std::string& path) {
+  const bool wrote = trace.writing > 0;
+  return {Outcome::kFailed, wrote ? UnitState::kUncertain : UnitState::kUntouched, kTool,
+          path + (wrote ? " changed while it was used"
+                        : " is not what was checked, so nothing is done")};
+}
+
+}  // namespace
+
+bool CallTrace::Begin(std::string_view name) {
+  constexpr std::uint32_t kProgramsEeprom = EDP_ISP_MODE_ISP;
+  last = name;
+  // Entering ISP mode and a reset leave the firmware as it is.
+  const bool writes = name == "IspFlash" || name == "RecordFWVersion" ||
+                      (name == "IspEeprom" && edp_mode == kProgramsEeprom);
+  writing += writes ? 1 : 0;
+  return writes;
+}
+
+Verdict JudgeResult(const CallTrace& trace, const ResultMessage& result, const Wanted& wanted) {
+  Verdict verdict = JudgeCode(trace, result.code, wanted);
+  if (!result.missing.empty()) verdict.meaning = result.missing;
+  if (verdict.outcome != Outcome::kPassed || result.changed_file.empty()) return verdict;
+  return OfChangedFile(trace, result.changed_file);
+}
+
 Verdict JudgeMissingResult(const CallTrace& trace, Outcome outcome, std::string meaning) {
   const bool wrote = trace.writing > 0;
   return {outcome, wrote ? UnitState::kUncertain : UnitState::kUntouched, "", std::move(meaning)};
+}
+
+UnitState StateAfter(UnitState before, UnitState of_step) {
+  return of_step == UnitState::kUntouched ? before : of_step;
 }
 
 }  // namespace line

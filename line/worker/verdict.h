@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "line/event/event.h"
+#include "line/worker/messages.h"
 
 namespace line {
 
@@ -38,11 +39,14 @@ struct Verdict {
   std::string meaning;      // without a full stop
 };
 
-// A result arrived.
-Verdict JudgeResult(const CallTrace& trace, std::uint32_t code, const Wanted& wanted);
+// A result arrived. A call that ended well while a file changed that it used in place has failed.
+Verdict JudgeResult(const CallTrace& trace, const ResultMessage& result, const Wanted& wanted);
 
 // The worker ended without a result, for the reason that `outcome` names.
 Verdict JudgeMissingResult(const CallTrace& trace, Outcome outcome, std::string meaning);
+
+// The state after a step: a step that has written nothing leaves what it was before.
+UnitState StateAfter(UnitState before, UnitState of_step);
 
 }  // namespace line
 

@@ -17,6 +17,7 @@
 #include "base/string_util.h"
 #include "base/transform.h"
 #include "cmdline/isp_args_parse.h"
+#include "line/job/sha256.h"
 #include "line/worker/guarded_setting.h"
 #include "line/worker/last_words.h"
 #include "line/worker/messages.h"
@@ -124,9 +125,10 @@ std::uint32_t Execute(Setting* setting, SignArgs* sign_args) {
 
 ResultMessage ResultOf(std::uint32_t code, const Setting& setting) {
   const bool may_be_missing = !g_called;
-  return {code, may_be_missing
-                    ? ExplainNotLoaded(code, setting.enumActionType, g_go.plugin_directory)
-                    : ""};
+  return {
+      code,
+      may_be_missing ? ExplainNotLoaded(code, setting.enumActionType, g_go.plugin_directory) : "",
+      ""};
 }
 
 Wanted WantedOf(const GoMessage& go) {
@@ -134,6 +136,14 @@ Wanted WantedOf(const GoMessage& go) {
   wanted.nothing_written = go.nothing_written;
   if (go.has_expected) wanted.scaler_type = go.expected;
   return wanted;
+}
+
+// Of the files that are used in place, the first that is not what was checked; empty for none.
+std::string ChangedFile() {
+  for (std::size_t i = 0; i < g_go.in_place.size() && i < g_go.in_place_sha256.size(); ++i) {
+    if (Sha256OfFile(g_go.in_place[i]) != g_go.in_place_sha256[i]) return g_go.in_place[i];
+  }
+  return "";
 }
 
 // What is to be recorded when the parent is lost from now on.
@@ -144,12 +154,16 @@ struct Ending {
 
 // Sends the result of the action, or records it where nobody listens any more.
 Ending Program(Setting* setting, SignArgs* sign_args) {
-  const std::uint32_t code = Execute(setting, sign_args);
-  EndSecondProcess();
-  std::fflush(nullptr);
-  const ResultMessage result = ResultOf(code, *setting);
-  Ending ending = {JudgeResult(g_trace, code, WantedOf(g_go)), code};
-  if (!result.missing.empty()) ending.verdict.meaning = result.missing;
+  ResultMessage result;
+  result.changed_file = ChangedFile();
+  if (result.changed_file.empty()) {
+    const std::uint32_t code = Execute(setting, sign_args);
+    EndSecondProcess();
+    std::fflush(nullptr);
+    result = ResultOf(code, *setting);
+    result.changed_file = ChangedFile();
+  }
+  Ending ending = {JudgeResult(g_trace, result, WantedOf(g_go)), result.code};
   if (ending.verdict.outcome == Outcome::kPassed && g_go.reads_back) {
     ending.verdict.outcome = Outcome::kInterrupted;
     ending.verdict.meaning = std::string("not read back: ") + kParentGone;

@@ -60,7 +60,7 @@ TEST(Verdict, OfAResultFollowsFromTheCallsBeforeIt) {
       {{"GetScalerType"}, 6, Outcome::kPassed, UnitState::kUntouched},
   };
   for (const auto& test : kCases) {
-    const Verdict verdict = JudgeResult(Calls(test.calls), test.code, wanted);
+    const Verdict verdict = JudgeResult(Calls(test.calls), {test.code}, wanted);
     EXPECT_EQ(verdict.outcome, test.outcome) << test.calls.size() << " " << test.code;
     EXPECT_EQ(verdict.state, test.state) << test.calls.size() << " " << test.code;
     EXPECT_NE(verdict.meaning, "");
@@ -69,9 +69,9 @@ TEST(Verdict, OfAResultFollowsFromTheCallsBeforeIt) {
 
 TEST(Verdict, AScalerTypePassesWhenItIsTheExpectedOne) {
   const Wanted wanted = {{}, 3};
-  EXPECT_EQ(JudgeResult(Calls({"GetScalerType"}), 3, wanted).outcome, Outcome::kPassed);
-  EXPECT_EQ(JudgeResult(Calls({"GetScalerType"}), 6, wanted).outcome, Outcome::kFailed);
-  EXPECT_EQ(JudgeResult(Calls({}), 6, wanted).outcome, Outcome::kUnavailable);
+  EXPECT_EQ(JudgeResult(Calls({"GetScalerType"}), {3}, wanted).outcome, Outcome::kPassed);
+  EXPECT_EQ(JudgeResult(Calls({"GetScalerType"}), {6}, wanted).outcome, Outcome::kFailed);
+  EXPECT_EQ(JudgeResult(Calls({}), {6}, wanted).outcome, Outcome::kUnavailable);
 }
 
 TEST(Verdict, WithoutAResultAWritingCallLeavesTheDisplayUncertain) {
@@ -82,6 +82,30 @@ TEST(Verdict, WithoutAResultAWritingCallLeavesTheDisplayUncertain) {
     EXPECT_EQ(wrote.meaning, "why");
     EXPECT_EQ(JudgeMissingResult(Calls({"GetKeyFromFlash"}), outcome, "").state,
               UnitState::kUntouched);
+  }
+}
+
+TEST(Verdict, AFileThatChangedSpoilsWhatEndedWell) {
+  const ResultMessage passed = {0, "", "main.bin"};
+  Verdict verdict = JudgeResult(Calls({"IspFlash"}), passed, {});
+  EXPECT_EQ(verdict.outcome, Outcome::kFailed);
+  EXPECT_EQ(verdict.state, UnitState::kUncertain);
+  EXPECT_EQ(verdict.meaning, "main.bin changed while it was used");
+  verdict = JudgeResult(Calls({}), passed, {});
+  EXPECT_EQ(verdict.outcome, Outcome::kFailed);
+  EXPECT_EQ(verdict.state, UnitState::kUntouched);
+  EXPECT_EQ(verdict.meaning, "main.bin is not what was checked, so nothing is done");
+  const ResultMessage promised = {0x5A26, "", "main.bin"};
+  EXPECT_EQ(JudgeResult(Calls({"IspFlash"}), promised, {{0x5A26}, {}}).state,
+            UnitState::kUntouched);
+}
+
+TEST(Verdict, AStepThatWritesNothingLeavesTheStateAlone) {
+  for (const UnitState before :
+       {UnitState::kUntouched, UnitState::kProgrammed, UnitState::kIdentical}) {
+    EXPECT_EQ(StateAfter(before, UnitState::kUntouched), before);
+    EXPECT_EQ(StateAfter(before, UnitState::kUncertain), UnitState::kUncertain);
+    EXPECT_EQ(StateAfter(before, UnitState::kProgrammed), UnitState::kProgrammed);
   }
 }
 
