@@ -69,7 +69,7 @@ endif()
 configure_file(cmake/InstallZsh.cmake.in ${staging}/InstallZsh.cmake @ONLY)
 install(SCRIPT ${staging}/InstallZsh.cmake)
 
-# For authors of plug-ins: the headers, and a package that find_package(zvisp) finds.
+# For authors of plug-ins: the headers, a package that find_package(zvisp) finds, and the template.
 add_library(zvisp_plugin_api INTERFACE)
 add_library(zvisp::plugin ALIAS zvisp_plugin_api)
 set_target_properties(zvisp_plugin_api PROPERTIES EXPORT_NAME plugin)
@@ -83,11 +83,17 @@ install(FILES
     src/plugin/record_language.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zvisp/plugin)
 install(TARGETS zvisp_plugin_api EXPORT zvispTargets)
-install(EXPORT zvispTargets NAMESPACE zvisp:: FILE zvispConfig.cmake
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/cmake/zvisp)
+set(package ${CMAKE_INSTALL_DATADIR}/cmake/zvisp)
+install(EXPORT zvispTargets NAMESPACE zvisp:: DESTINATION ${package})
 write_basic_package_version_file(${staging}/zvispConfigVersion.cmake
   COMPATIBILITY SameMajorVersion ARCH_INDEPENDENT)
-install(FILES ${staging}/zvispConfigVersion.cmake DESTINATION ${CMAKE_INSTALL_DATADIR}/cmake/zvisp)
+install(FILES ${staging}/zvispConfigVersion.cmake cmake/zvispConfig.cmake cmake/Plugins.cmake
+    cmake/CheckPluginExports.cmake
+  DESTINATION ${package})
+install(FILES cmake/macos/private_new.cpp DESTINATION ${package}/macos)
+install(FILES examples/plugin/README.md examples/plugin/CMakeLists.txt examples/plugin/plugin.c
+    examples/plugin/device.h examples/plugin/device.c
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp/examples/plugin)
 
 # --- The simulator -------------------------------------------------------------------------------
 

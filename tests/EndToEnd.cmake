@@ -7,8 +7,8 @@ set(test_plugins)
 # tests load. It keeps its name, unlike the plug-ins that the tool asks for.
 function(zvisp_add_test_plugin name)
   cmake_parse_arguments(TEST_PLUGIN "" "" "SOURCES;DEFINITIONS" ${ARGN})
-  zvisp_add_plugin(${name} FILE ${name} DIRECTORY ${ZVISP_TEST_PLUGIN_DIR}
-                   SOURCES ${TEST_PLUGIN_SOURCES})
+  zvisp_add_loaded_library(${name} FILE ${name} DIRECTORY ${ZVISP_TEST_PLUGIN_DIR}
+                           SOURCES ${TEST_PLUGIN_SOURCES} LIBRARIES zvisp_product)
   target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_compile_definitions(${name} PRIVATE ${TEST_PLUGIN_DEFINITIONS})
   set(test_plugins ${test_plugins} ${name} PARENT_SCOPE)
@@ -75,6 +75,12 @@ add_test(NAME e2e_flash_one.VerdictIsRightInEveryCase COMMAND
   $<TARGET_FILE:recording_isp> ${PROJECT_SOURCE_DIR}/examples/flash-one.sh)
 set_tests_properties(e2e_flash_one.VerdictIsRightInEveryCase PROPERTIES LABELS e2e TIMEOUT 120)
 
+if(NOT ZVISP_INSTRUMENTED)
+  add_test(NAME e2e_readme.SmallestPluginIsCalled COMMAND
+    sh ${CMAKE_CURRENT_SOURCE_DIR}/e2e/readme_plugin_test.sh $<TARGET_FILE:zvisp>
+    ${PROJECT_SOURCE_DIR})
+  set_tests_properties(e2e_readme.SmallestPluginIsCalled PROPERTIES LABELS e2e TIMEOUT 120)
+endif()
 if(TARGET isp_simulator AND TARGET sign_reference)
   add_test(NAME e2e_readme.ExamplesSucceed COMMAND
     ${CMAKE_CURRENT_SOURCE_DIR}/e2e/readme_test.sh $<TARGET_FILE:zvisp>
