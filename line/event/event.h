@@ -121,7 +121,7 @@ struct PlanEvent {
 // Before a unit's start, each time when what it waits for changes.
 struct WaitEvent {
   WaitReason reason = WaitReason::kInterface;
-  std::string text;  // who uses the interface; a sentence without its full stop
+  std::string text;  // who uses the interface; a sentence without its full stop; empty for a hook
 };
 
 struct UnitStartEvent {

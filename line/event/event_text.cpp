@@ -49,8 +49,7 @@ Lines Say(const Event& event, const MessageEvent& message) {
 // A hook is asked often and answers soon: only its refusal is worth a line.
 Lines Say(const Event& event, const WaitEvent& wait) {
   if (wait.reason == WaitReason::kHook) return {};
-  const std::string who = wait.text.empty() ? "" : ": " + CleanText(wait.text);
-  return {{false, Tone::kPlain, Front(event.where) + "waits for the interface" + who}};
+  return {{false, Tone::kPlain, Front(event.where) + "waits: " + CleanText(wait.text)}};
 }
 
 std::string CodeText(const ResultEvent& result) {

@@ -28,9 +28,13 @@ ProgressRow::ProgressRow(const std::string& place, const std::string& unit, std:
 void ProgressRow::Follow(const Event& event) {
   if (const WaitEvent* const wait = std::get_if<WaitEvent>(&event.body)) {
     m_step_start_ms = event.mono_ms;
-    m_doing = wait->reason == WaitReason::kHook ? "waits for its hook" : "waits for its interface";
+    m_holder = CleanText(wait->text);
+    m_doing = wait->reason == WaitReason::kHook ? "waits for its hook" : "waits";
   }
-  if (std::holds_alternative<UnitStartEvent>(event.body)) m_doing = "starts";
+  if (std::holds_alternative<UnitStartEvent>(event.body)) {
+    m_doing = "starts";
+    m_holder.clear();
+  }
   if (std::holds_alternative<StartEvent>(event.body)) {
     m_phase.reset();
     m_step_start_ms = event.mono_ms;
@@ -81,7 +85,9 @@ std::string ProgressRow::Percent() const {
 
 std::string ProgressRow::Doing(std::size_t doing, std::size_t bar, std::size_t columns,
                                std::uint64_t mono_ms) const {
-  if (!m_percent) return m_doing + Elapsed(mono_ms);
+  if (!m_percent) {
+    return m_doing + Elapsed(mono_ms) + (m_holder.empty() ? "" : "  " + m_holder);
+  }
   std::string text = Padded(CutToColumns(m_doing, doing), doing);
   if (bar > 0) text += " " + Bar(bar);
   text += Percent() + Elapsed(mono_ms);

@@ -40,6 +40,7 @@ class ProgressRow {
   std::string Remaining(std::uint64_t mono_ms) const;
 
   std::string m_place, m_unit, m_doing;
+  std::string m_holder;  // who uses the interface
   std::optional<Phase> m_phase;
   std::optional<int> m_percent;
   std::uint64_t m_step_start_ms, m_phase_start_ms;

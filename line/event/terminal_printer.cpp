@@ -128,13 +128,22 @@ void TerminalPrinter::Draw() {
 std::string TerminalPrinter::Erased() {
   if (m_drawn.empty()) return "";
   const std::size_t columns = std::max<std::size_t>(m_size().columns, 1);
+  const bool is_one = m_drawn.size() == 1;
   std::size_t lines = 0;
   for (const std::size_t drawn : std::exchange(m_drawn, {})) {
     lines += std::max<std::size_t>((drawn + columns - 1) / columns, 1);
   }
   std::string text = "\r";
-  if (lines > 1) text += "\x1b[" + std::to_string(lines - 1) + "A";
-  return text + "\x1b[J";
+  if (is_one) {
+    if (lines > 1) text += "\x1b[" + std::to_string(lines - 1) + "A";
+    return text + "\x1b[J";
+  }
+  // Line by line: when all of the screen is erased at once, some terminals save it in their
+  // history, ten times a second.
+  text += "\x1b[K";
+  while (--lines > 0)
+    text += "\x1b[A\x1b[K";
+  return text;
 }
 
 }  // namespace

@@ -53,7 +53,8 @@ Shown EachKindOfRow() {
   batch.Take(StartOf(2, 0)).Take({Percent(2, 1000, 0, Phase::kReadBack)});
   batch.Take(StartOf(3, 0)).Take(PassOf(3, 20000));
   batch.Take(StartOf(4, 0)).Take(CrashOf(4, 20000));
-  batch.Take({Of(5, 30000, WaitEvent{WaitReason::kInterface, "in use by process 7"})});
+  batch.Take(
+      {Of(5, 30000, WaitEvent{WaitReason::kInterface, "Interface 5 is in use by process 7"})});
   batch.Take({Of(6, 30000, WaitEvent{WaitReason::kHook, ""})});
   return batch;
 }
@@ -65,7 +66,7 @@ TEST(BatchRows, OneForEachUnitAndTheSameColumnsInAllOfThem) {
                   "A2 ZP00000002 read-back [--------------------------]   0 %  0:31",
                   "A3 ZP00000003 PASS  programmed",
                   "A4 ZP00000004 FAIL  uncertain: program crashed, last at 42 %, signal 11",
-                  "A5 ZP00000005 waits for its interface  0:01",
+                  "A5 ZP00000005 waits  0:01  Interface 5 is in use by process 7",
                   "A6 ZP00000006 waits for its hook  0:01", "A7 ZP00000007 waits"));
 }
 
@@ -74,7 +75,8 @@ TEST(BatchRows, ANarrowTerminalLeavesOutTheSerialInAllOfThem) {
       EachKindOfRow().Rows({37, 23}, 31500),
       ElementsAre("A1 program   [###------]  42 %  0:31", "A2 read-back [---------]   0 %  0:31",
                   "A3 PASS  programmed", "A4 FAIL  uncertain: program crashed, ",
-                  "A5 waits for its interface  0:01", "A6 waits for its hook  0:01", "A7 waits"));
+                  "A5 waits  0:01  Interface 5 is in use", "A6 waits for its hook  0:01",
+                  "A7 waits"));
 }
 
 TEST(BatchRows, NoRowIsLongerThanTheTerminal) {
@@ -90,7 +92,7 @@ TEST(BatchRows, WithTooFewLinesThoseUnderWayComeFirstAndTheRestIsCounted) {
       ElementsAre("A1 ZP00000001 program   [##########----------------]  42 %  0:31, 0:42 left",
                   "A2 ZP00000002 read-back [--------------------------]   0 %  0:31",
                   "A4 ZP00000004 FAIL  uncertain: program crashed, last at 42 %, signal 11",
-                  "A5 ZP00000005 waits for its interface  0:01",
+                  "A5 ZP00000005 waits  0:01  Interface 5 is in use by process 7",
                   "A6 ZP00000006 waits for its hook  0:01", "and 2 more: 1 waiting, 1 PASS"));
   EXPECT_THAT(
       EachKindOfRow().Rows({37, 3}, 31500),

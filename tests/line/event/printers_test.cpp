@@ -128,7 +128,7 @@ const EventRow kEvents[] = {
   {TimedOutResult(), "", "comm-3: program timed out after 0:00, untouched, value 2, expected 3\n"},
   {UncertainUnit(), "comm-3  ZP00000001  FAIL  uncertain: it may be half-written: program it again, or see zvisp-line journal doctor (not recorded)\n", ""},
   {RefusedUnit(), "comm-3  ZP00000001  FAIL  untouched: the hook said no\n", ""},
-  {WaitEvent{WaitReason::kInterface, "in use by process 7"}, "", "comm-3: waits for the interface: in use by process 7\n"},
+  {WaitEvent{WaitReason::kInterface, "Interface 3 is in use by process 7"}, "", "comm-3: waits: Interface 3 is in use by process 7\n"},
   {WaitEvent{WaitReason::kHook, ""}, "", ""},
   {MessageEvent{Source::kPlugin, Level::kInfo, "one\ntwo\r\x1b[2J\n", false}, "", "comm-3: one\ncomm-3: two\n"},
   {MessageEvent{Source::kOutput, Level::kInfo, "much", true}, "", "comm-3: much\ncomm-3: (the rest of this output was cut)\n"},
