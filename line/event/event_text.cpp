@@ -107,10 +107,11 @@ Lines Say(const Event& event, const PlanEvent& plan) {
   Lines lines;
   // Within a run the operator has seen the plan, or does not want to.
   if (event.where.run.empty()) {
-    if (!event.where.job_name.empty())
-      lines.push_back({true, Tone::kPlain, StepTitle(event.where)});
+    const bool is_of_job = !event.where.job_name.empty();
+    if (is_of_job) lines.push_back({true, Tone::kPlain, StepTitle(event.where)});
     for (const std::string& text : PlanLines(plan))
       lines.push_back({true, Tone::kPlain, text});
+    if (is_of_job) lines.push_back({true, Tone::kPlain, ""});
   }
   for (const Warning& warning : plan.warnings) {
     lines.push_back({false, Tone::kWarning, "zvisp-line: warning: " + CleanText(warning.text)});

@@ -211,6 +211,7 @@ TEST(Batch, TheCheckOfAJobPrintsThePlanOfEachStep) {
     Play(*printer, {BatchHello(0), PlanWithAWarning(), End()});
   });
   EXPECT_THAT(printed.out, testing::StartsWith("Step program:\nAction: --isp\n\nbank  file"));
+  EXPECT_THAT(printed.out, EndsWith("from 1 file.\n\n"));
 }
 
 TEST(Batch, AnErrorOfAPlaceNamesIt) {
