@@ -44,6 +44,7 @@ std::string InWords(const RecordedEvent& event) {
   if (event.percent) add(std::to_string(*event.percent) + " %");
   add(event.note);
   add(event.text);
+  add(event.reason);
   add(event.where.run);
   return text;
 }

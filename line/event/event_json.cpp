@@ -266,6 +266,7 @@ std::optional<RecordedEvent> FromJsonLine(std::string_view line) {
   event.percent = NumberAt<int>(json, event.type == "progress" ? "percent" : "last_percent");
   event.note = TextAt(json, "note");
   event.text = TextAt(json, "text");
+  event.reason = TextAt(json, "reason");
   return event;
 }
 

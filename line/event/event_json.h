@@ -23,7 +23,7 @@ struct RecordedEvent {
   std::optional<UnitState> state;
   std::optional<Outcome> outcome;
   std::optional<int> percent;  // of progress; last_percent of a result
-  std::string note, text;
+  std::string note, text, reason;
 };
 
 // Nothing for a line that is not a JSON object or has no type.

@@ -135,6 +135,7 @@ TEST(EventJson, ALineComesBackAsWhatTheReadersNeed) {
   Event of_a_job = At(7, PassedUnit());
   of_a_job.where.job_name = "r4";
   EXPECT_EQ(FromJsonLine(ToJsonLine(of_a_job))->where.job_name, "r4");
+  EXPECT_EQ(FromJsonLine(ToJsonLine(At(7, FullUnitResult())))->reason, "The hook said no");
   EXPECT_EQ(FromJsonLine(ToJsonLine(At(7, ProgressEvent{42, 1})))->percent, 42);
 }
 
