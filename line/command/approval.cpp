@@ -2,7 +2,6 @@
 #include "line/command/approval.h"
 
 #include "line/event/screen_text.h"
-#include "line/job/strictness.h"
 
 namespace line {
 
@@ -19,16 +18,19 @@ std::string ZvispRefuses(const std::string& said) {
 
 }  // namespace
 
+std::vector<Refusal> WhyNotApproved(const Strictness& strictness, const OptionScan& scan,
+                                    const JudgedWords& judged) {
+  if (judged.accepted) return FindRefusals(scan, judged, strictness);
+  // The rules of zvisp-line need judged records. Without them only the scan has something to add.
+  std::vector<Refusal> refusals = {{"zvisp-refuses", ZvispRefuses(judged.said)}};
+  refusals.insert(refusals.end(), scan.refusals.begin(), scan.refusals.end());
+  return refusals;
+}
+
 ExitStatus ApproveWords(const Options& options, const OptionScan& scan, const JudgedWords& judged,
                         Session& session) {
-  std::vector<Refusal> refusals;
-  if (!judged.accepted) {
-    // The rules of zvisp-line need judged records. Without them only the scan has something to add.
-    refusals.push_back({"zvisp-refuses", ZvispRefuses(judged.said)});
-    refusals.insert(refusals.end(), scan.refusals.begin(), scan.refusals.end());
-  } else {
-    refusals = FindRefusals(scan, judged, {options.allow_unsigned, options.expect});
-  }
+  const std::vector<Refusal> refusals =
+      WhyNotApproved({options.allow_unsigned, options.expect}, scan, judged);
   for (const Refusal& refusal : refusals) {
     session.Emit({}, ErrorEvent{refusal.id, refusal.text, "", {}, {}});
   }

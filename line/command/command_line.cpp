@@ -19,6 +19,8 @@ constexpr CommandRow kCommands[] = {
   {Command::kPlan,           RunPlan},
   {Command::kRun,            RunUnit},
   {Command::kReadback,       RunUnit},
+  {Command::kBatch,          RunBatch},
+  {Command::kJobInit,        RunJobInit},
   {Command::kJournalShow,    RunJournalShow},
   {Command::kJournalDoctor,  RunJournalDoctor},
   {Command::kJournalResolve, RunJournalResolve},

@@ -14,6 +14,8 @@ namespace line {
 ExitStatus RunPlan(const Options& options, Session& session);
 // run and readback.
 ExitStatus RunUnit(const Options& options, Session& session);
+ExitStatus RunBatch(const Options& options, Session& session);
+ExitStatus RunJobInit(const Options& options, Session& session);
 ExitStatus RunJournalShow(const Options& options, Session& session);
 ExitStatus RunJournalDoctor(const Options& options, Session& session);
 ExitStatus RunJournalResolve(const Options& options, Session& session);

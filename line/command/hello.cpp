@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "app/banner.h"
+#include "line/command/paths.h"
 #include "line/job/sha256.h"
 
 namespace line {
@@ -41,7 +42,7 @@ HelloEvent MakeHello(const std::string& plugin_directory) {
   hello.host = HostName();
   hello.operator_name = OperatorName();
   hello.pid = getpid();
-  const std::string path = plugin_directory + "PlugIn/libIsp.dylib";
+  const std::string path = IspPluginIn(plugin_directory);
   if (const std::optional<std::string> hash = Sha256OfFile(path)) {
     hello.plugin = FileFacts{path, *hash};
   }

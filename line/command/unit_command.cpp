@@ -1,19 +1,15 @@
 // SPDX-License-Identifier: MIT
 //
 // The commands for one display: run and readback.
-#include <signal.h>
-#include <unistd.h>
-
-#include <filesystem>
 #include <memory>
 #include <optional>
-#include <system_error>
 #include <utility>
 
-#include "base/process_path.h"
 #include "line/command/approval.h"
 #include "line/command/commands.h"
 #include "line/command/hello.h"
+#include "line/command/paths.h"
+#include "line/command/units_status.h"
 #include "line/job/plan.h"
 #include "line/job/step_name.h"
 #include "line/job/strictness.h"
@@ -31,32 +27,6 @@ namespace {
 ExitStatus Report(Session& session, ExitStatus status, std::string id, std::string text) {
   session.Emit({}, ErrorEvent{std::move(id), std::move(text), "", {}, {}});
   return status;
-}
-
-// A plug-in may change the working directory, so a relative path is made a full one at the start.
-std::string AbsolutePath(const std::string& path) {
-  std::error_code failure;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
-  return failure ? path : absolute.string();
-}
-
-// The directory of the plug-ins, ending in "/".
-std::string PluginDirectory(const std::string& given) {
-  if (!given.empty()) return AbsolutePath(given) + "/";
-  char program[4096] = {};
-  ReadProcessPath(program, sizeof program);
-  return std::filesystem::path(program).parent_path().string() + "/";
-}
-
-ExitStatus StatusOfSignal(int signal) {
-  switch (signal) {
-    case SIGHUP:
-      return kExitHangUp;
-    case SIGTERM:
-      return kExitTerminate;
-    default:
-      return kExitInterrupt;
-  }
 }
 
 ExitStatus StatusOf(const UnitEnd& end) {

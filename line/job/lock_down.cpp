@@ -91,6 +91,9 @@ void Check::RefuseUnlisted() {
 
 LockDown Check::Take() {
   SortByPosition(m_result.errors);
+  for (const auto& [name, facts] : m_listed) {
+    if (facts) m_result.hashes[name] = facts->sha256;
+  }
   return std::move(m_result);
 }
 

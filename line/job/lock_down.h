@@ -19,7 +19,8 @@ namespace line {
 using UsedFiles = std::map<std::string, JobPosition>;
 
 struct LockDown {
-  JobErrors errors, warnings;  // in the order of the file
+  JobErrors errors, warnings;                 // in the order of the file
+  std::map<std::string, std::string> hashes;  // of the used files, by their one name
 };
 
 // `path_of` gives, for the one name of a used file, the path whose bytes count: a private copy, or

@@ -123,7 +123,8 @@ void Reading::RefuseDoubled() {
 Serials Reading::Take(bool by_place) {
   for (std::size_t i = 0; i < m_places.size(); ++i) {
     if (m_places[i].skipped) continue;
-    m_serials.units.push_back({i, by_place ? m_job.places[i].name : m_places[i].unit.value_or("")});
+    m_serials.units.push_back(
+        {i, by_place ? m_job.places[i].name : m_places[i].unit.value_or(""), 1});
   }
   if (m_serials.units.empty() && m_serials.errors.empty()) {
     Refuse("no-place", "Every place is skipped, so there is nothing to do; leave out one --skip.");
@@ -152,14 +153,14 @@ Serials PlacesInsteadOfSerials(const Job& job, const std::vector<std::string>& s
   return reading.Take(true);
 }
 
-void RefusePassedSerials(const Job& job, const std::string& data_directory, Serials& serials) {
-  if (!job.once) return;
+void AskRecord(const Job& job, const std::string& data_directory, Serials& serials) {
   std::vector<std::string> units;
   for (const UnitAtPlace& one : serials.units)
     units.push_back(one.unit);
   const std::vector<UnitHistory> histories = HistoriesOf(data_directory, units, job.name);
   for (std::size_t i = 0; i < units.size(); ++i) {
-    if (!histories[i].last_has_passed) continue;
+    serials.units[i].attempt = histories[i].attempts + 1;
+    if (!job.once || !histories[i].last_has_passed) continue;
     serials.errors.push_back({"serial-passed",
                               "Place \"" + job.places[serials.units[i].place].name +
                                   "\": the serial " + units[i] +

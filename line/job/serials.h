@@ -4,6 +4,8 @@
 #ifndef ZVISP_LINE_JOB_SERIALS_H_
 #define ZVISP_LINE_JOB_SERIALS_H_
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -16,6 +18,7 @@ namespace line {
 struct UnitAtPlace {
   std::size_t place = 0;  // index in the job
   std::string unit;       // its serial
+  std::uint64_t attempt = 1;
 };
 
 struct Serials {
@@ -30,8 +33,9 @@ Serials ReadSerials(const Job& job, const std::vector<std::string>& units,
 // Without serials: {unit} stands for the place's name. For a check of the job.
 Serials PlacesInsteadOfSerials(const Job& job, const std::vector<std::string>& skipped);
 
-// Refuses those for which the job has passed already. Nothing when the job allows that.
-void RefusePassedSerials(const Job& job, const std::string& data_directory, Serials& serials);
+// Counts the attempts by what the record knows, and refuses serials that have passed the job
+// already, unless it allows that.
+void AskRecord(const Job& job, const std::string& data_directory, Serials& serials);
 
 }  // namespace line
 

@@ -52,7 +52,9 @@ TEST_F(LockDownTest, TheFileThatIsListedMayBeUsed) {
   Listed(m_directory / "../" + m_directory.Path().substr(m_directory.Path().rfind('/')) + "/b.bin",
          kOfB, 1);
   Listed(m_file, kOfB, 1);
-  EXPECT_THAT(Errors(), testing::IsEmpty());
+  const LockDown result = Check();
+  EXPECT_THAT(result.errors, testing::IsEmpty());
+  EXPECT_THAT(result.hashes, testing::ElementsAre(testing::Pair(m_file, kOfB)));
   EXPECT_EQ(m_reads, 1);
 }
 

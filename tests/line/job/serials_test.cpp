@@ -112,7 +112,9 @@ class PassedSerialsTest : public testing::Test {
     Job job = JobOfThree();
     job.once = once;
     Serials serials = ReadSerials(job, {"A1=Z1", "A2=Z2", "A3=Z3"}, {});
-    RefusePassedSerials(job, m_directory.Path(), serials);
+    AskRecord(job, m_directory.Path(), serials);
+    EXPECT_EQ(serials.units[0].attempt, 2u);
+    EXPECT_EQ(serials.units[1].attempt, 1u);
     return TextsOf(serials);
   }
   ScratchDir m_directory;

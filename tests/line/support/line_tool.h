@@ -30,6 +30,7 @@ class LineTool {
   RunResult Doctor() const;
 
   Installation& Tool() { return m_tool; }
+  const Installation& Tool() const { return m_tool; }
   const Displays& AllDisplays() const { return m_displays; }
   std::string operator/(const std::string& name) const { return m_tool / name; }
   std::string DataDirectory() const { return m_tool.Elsewhere("data"); }

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "line/command/batch_units.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "line/event/session.h"
+#include "line/job/job_words.h"
+#include "line/job/judged_files.h"
+#include "line/job/strictness.h"
+
+namespace line {
+
+StepRequest BatchUnits::StepFor(const JobStep& step, JudgedStep& judged) const {
+  StepRequest request;
+  request.name = step.name;
+  request.plugin_directory = plugin_directory;
+  request.data_directory = data_directory;
+  request.timeout_s = step.timeout_s;
+  request.wanted = {job.nothing_written, step.expect};
+  request.reads_back = step.readback;
+  request.ignored = ignored;
+  request.copies_lock = copies.LockDescriptor();
+  request.dump_prefix = copies.PathFor("dump-");
+  if (step.read) {
+    request.read = FlashRead{step.read->address, step.read->length, step.read->equals};
+  }
+  if (!job.line.copy) {
+    for (const std::string& file : FilesOf(judged.words))
+      request.in_place.push_back({file, hashes.at(file)});
+  }
+  request.judged = std::move(judged.words);
+  return request;
+}
+
+UnitRequest BatchUnits::RequestFor(JudgedUnit& unit) const {
+  const JobPlace& place = job.places[unit.at.place];
+  UnitRequest request;
+  request.where.run = NewUuid();
+  request.where.unit = unit.at.unit;
+  request.where.place = place.name;
+  request.where.comm = place.comm;
+  request.where.job_name = job.name;
+  request.attempt = unit.at.attempt;
+  request.wait_ms = wait_ms;
+  request.before_words = Expanded(job.hook.before_unit, unit.at.unit, place.name);
+  request.after_words = Expanded(job.hook.on_result, unit.at.unit, place.name);
+  request.hook_directory = job.directory;
+  // 0 would be no time-out at all.
+  request.hook_timeout_ms =
+      std::max<std::uint64_t>(static_cast<std::uint64_t>(job.hook.timeout_s * 1000), 1);
+  for (std::size_t i = 0; i < job.steps.size(); ++i) {
+    JudgedStep& judged = unit.steps[i];
+    request.is_unsigned |= ProgramsUnsignedFiles(judged.scan, judged.words);
+    request.steps.push_back(StepFor(job.steps[i], judged));
+  }
+  return request;
+}
+
+}  // namespace line
