@@ -32,9 +32,11 @@ foreach(call IN ITEMS SignFwExport VerifySignatureExport)
     SOURCES ${recording_sign} DEFINITIONS LACKS_${call})
 endforeach()
 
-# As a customer's: the oldest C++ that the header is written for, and no library of ours.
+# As a customer's: the oldest languages that the header is written for, and no library of ours.
 zvisp_add_test_plugin(plain_records SOURCES support/plain_records_plugin.cpp)
 set_target_properties(plain_records PROPERTIES CXX_STANDARD 11)
+zvisp_add_test_plugin(surroundings SOURCES support/surroundings_plugin.c)
+set_target_properties(surroundings PROPERTIES C_STANDARD 99 C_EXTENSIONS ON)
 
 if(NOT APPLE)
   zvisp_add_test_plugin(looked_up SOURCES support/looked_up_plugin.c)
