@@ -40,6 +40,7 @@ Lines Narration::Tell(const Event& event) {
 Lines Narration::TellOfBatch(const Event& event) {
   const bool is_known = m_table->Follow(event);
   if (std::holds_alternative<PlanEvent>(event.body)) return Warnings(event);
+  m_has_begun = m_has_begun || is_known;
   if (std::holds_alternative<UnitResultEvent>(event.body) && is_known) return UnitEnd(event);
   if (std::holds_alternative<SummaryEvent>(event.body) ||
       std::holds_alternative<EndEvent>(event.body)) {
@@ -72,7 +73,8 @@ Lines Narration::UnitEnd(const Event& event) const {
 }
 
 Lines Narration::TheEnd(const Event& event) {
-  if (std::exchange(m_is_told, true)) return {};
+  // Without any unit the batch was refused, and the message said so.
+  if (!m_has_begun || std::exchange(m_is_told, true)) return {};
   Lines lines = m_table->Lines();
   Append(lines, LinesOf(event));
   Append(lines, m_table->Advice());

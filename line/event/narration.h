@@ -33,7 +33,8 @@ class Narration {
   std::vector<TextLine> TheEnd(const Event& event);
 
   bool m_has_rows;
-  bool m_is_told = false;  // the table was printed
+  bool m_has_begun = false;  // something was said of a unit
+  bool m_is_told = false;    // the table was printed
   std::optional<BatchTable> m_table;
   std::set<std::string> m_warnings;  // that were printed
 };

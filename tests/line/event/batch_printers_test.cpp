@@ -116,6 +116,14 @@ TEST(PlainBatch, ATableIsPrintedWithoutASummaryToo) {
             "A2  ZP00000002  FAIL  no result was reported\n");
 }
 
+TEST(PlainBatch, ThereIsNoTableWhenNoUnitWasBegun) {
+  const Printed printed = PrintedBy([] {
+    const auto printer = MakePlainPrinter({}, When::kAuto);
+    Play(*printer, {BatchHello(2), PlanWithAWarning(), End()});
+  });
+  EXPECT_EQ(printed.out, "");
+}
+
 TEST(PlainBatch, EachLineOfTheTableHasOneColour) {
   const Printed printed = PrintedBy([] {
     PlayBatch(*MakePlainPrinter({true, false}, When::kNever));
