@@ -13,17 +13,18 @@ namespace {
 // A longer serial moves the rest of its own line only.
 constexpr std::size_t kPaddedAtMost = 24;
 
+std::string EndText(const UnitResultEvent& result, const std::string& why) {
+  const bool has_passed = result.outcome == Outcome::kPassed;
+  return (has_passed ? "PASS  " : "FAIL  ") + std::string(NameOf(result.state)) +
+         (why.empty() ? "" : ": " + why) + (result.recorded ? "" : " (not recorded)");
+}
+
 BatchEnd EndOf(const UnitResultEvent& result, const std::string& failure) {
-  BatchEnd end;
-  end.has_passed = result.outcome == Outcome::kPassed;
-  end.state = result.state;
-  std::string why = failure;
-  if (!result.reason.empty()) why += (why.empty() ? "" : "; ") + CleanText(result.reason);
-  if (why.empty() && !end.has_passed) why = WordsOf(result.outcome);
-  end.text = (end.has_passed ? "PASS  " : "FAIL  ") + std::string(NameOf(result.state));
-  if (!why.empty()) end.text += ": " + why;
-  if (!result.recorded) end.text += " (not recorded)";
-  return end;
+  const std::string reason = CleanText(result.reason);
+  std::string why = failure + (failure.empty() || reason.empty() ? "" : "; ") + reason;
+  const bool has_passed = result.outcome == Outcome::kPassed;
+  if (why.empty() && !has_passed) why = WordsOf(result.outcome);
+  return {has_passed, result.state, EndText(result, why), EndText(result, reason)};
 }
 
 bool IsInDoubt(const std::optional<BatchEnd>& end) {

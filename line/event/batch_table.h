@@ -17,7 +17,8 @@ namespace line {
 struct BatchEnd {
   bool has_passed = false;
   UnitState state = UnitState::kUntouched;
-  std::string text;  // "FAIL  uncertain: program crashed, signal 11"
+  std::string text;   // "FAIL  uncertain: program crashed, signal 11"
+  std::string brief;  // without what the step's own line says: "FAIL  uncertain"
 };
 
 class BatchTable {

@@ -184,9 +184,12 @@ std::string FailureText(const Where& where, const ResultEvent& result) {
     return text + " in bank " + std::to_string(result.difference->bank) + " at " +
            Hex(result.difference->address, 6);
   }
-  text += CodeText(result);
+  // The state says what a code means. A signal is news only when nobody here has sent it.
+  if (result.code.value_or(0) != 0) text += ", code " + Hex(*result.code, 1);
   if (result.last_percent) text += ", last at " + std::to_string(*result.last_percent) + " %";
-  if (result.signal) text += ", signal " + std::to_string(*result.signal);
+  if (result.signal && result.outcome == Outcome::kCrashed) {
+    text += ", signal " + std::to_string(*result.signal);
+  }
   if (result.value && result.expected) {
     text += ", value " + CleanText(*result.value) + ", expected " + CleanText(*result.expected);
   }

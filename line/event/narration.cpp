@@ -69,7 +69,7 @@ Lines Narration::UnitEnd(const Event& event) const {
   // Why a step failed was said when it ended.
   if (m_has_rows && result.reason.empty() && result.recorded) return {};
   return {{false, end.has_passed ? Tone::kGood : Tone::kBad,
-           CleanText(event.where.place) + ": " + CleanText(event.where.unit) + "  " + end.text}};
+           CleanText(event.where.place) + ": " + CleanText(event.where.unit) + "  " + end.brief}};
 }
 
 Lines Narration::TheEnd(const Event& event) {

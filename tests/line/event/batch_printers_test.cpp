@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "event/batch_events.h"
+#include "line/event/event_text.h"
 #include "line/event/line_printers.h"
 
 #include <gmock/gmock.h>
@@ -97,7 +98,7 @@ TEST(PlainBatch, HasThePlaceInFrontAndTheTableInTheOrderOfTheJob) {
             "A2: chatter\n"
             "A2: hot\n"
             "A2: program crashed after 0:00, uncertain, signal 11, last at 42 %\n"
-            "A2: ZP00000002  FAIL  uncertain: program crashed, last at 42 %, signal 11\n"
+            "A2: ZP00000002  FAIL  uncertain\n"
             "A1: program passed after 0:31, programmed\n"
             "A1: ZP00000001  PASS  programmed\n"
             "A3: ZP00000003  FAIL  untouched: the first article did not pass\n" +
@@ -220,6 +221,59 @@ TEST(Batch, TheCheckOfAJobPrintsThePlanOfEachStep) {
   });
   EXPECT_THAT(printed.out, testing::StartsWith("Step program:\nAction: --isp\n\nbank  file"));
   EXPECT_THAT(printed.out, EndsWith("from 1 file.\n\n"));
+}
+
+struct FailureRow {
+  ResultEvent result;
+  const char* text;
+};
+
+ResultEvent FailedResult(Outcome outcome) {
+  ResultEvent result;
+  result.outcome = outcome;
+  return result;
+}
+
+ResultEvent CodeResult() {
+  ResultEvent result = FailedResult(Outcome::kFailed);
+  result.code = 0x5A22;
+  result.meaning = "much text";
+  result.last_percent = 47;
+  return result;
+}
+
+ResultEvent EndedResult() {
+  ResultEvent result = FailedResult(Outcome::kTimedOut);
+  result.signal = 15;
+  result.last_percent = 98;
+  return result;
+}
+
+ResultEvent BytesResult() {
+  ResultEvent result = FailedResult(Outcome::kDifferent);
+  result.difference = Difference{2, 0x20009, 0x52, 0x72};
+  result.last_percent = 100;
+  return result;
+}
+
+ResultEvent ValueResult() {
+  ResultEvent result = FailedResult(Outcome::kFailed);
+  result.code = 0;
+  result.value = "2";
+  result.expected = "3";
+  return result;
+}
+
+TEST(Batch, AFailureInShortHasWhatTheStateDoesNotSay) {
+  const FailureRow rows[] = {
+      {CodeResult(), "program failed, code 0x5A22, last at 47 %"},
+      {EndedResult(), "program timed out, last at 98 %"},
+      {BytesResult(), "program different in bank 2 at 0x020009"},
+      {ValueResult(), "program failed, value 2, expected 3"},
+  };
+  for (const FailureRow& row : rows) {
+    EXPECT_EQ(FailureText(Of(1, 0, row.result).where, row.result), row.text);
+  }
 }
 
 TEST(Batch, AnErrorOfAPlaceNamesIt) {
