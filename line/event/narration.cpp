@@ -64,10 +64,8 @@ Lines Narration::Warnings(const Event& event) {
 
 // The table comes when the last one has ended, which may take long.
 Lines Narration::UnitEnd(const Event& event) const {
-  const UnitResultEvent& result = std::get<UnitResultEvent>(event.body);
+  if (m_has_rows) return {};
   const BatchEnd& end = *m_table->EndAt(event.where.place);
-  // Why a step failed was said when it ended.
-  if (m_has_rows && result.reason.empty() && result.recorded) return {};
   return {{false, end.has_passed ? Tone::kGood : Tone::kBad,
            CleanText(event.where.place) + ": " + CleanText(event.where.unit) + "  " + end.brief}};
 }

@@ -179,9 +179,7 @@ TEST(TerminalBatch, LinesSayOnlyWhatDoesNotGoWell) {
   EXPECT_EQ(printed.out, kTable);
   EXPECT_THAT(printed.err, HasSubstr("zvisp-line: warning: Slot 3 is not signed.\n"));
   EXPECT_THAT(printed.err, HasSubstr("A2: hot\n"));
-  EXPECT_THAT(printed.err, HasSubstr("A3: ZP00000003  FAIL  untouched: the first article did not "
-                                     "pass\n"));
-  for (const char* const absent : {"chatter", "passed after", "A1: "}) {
+  for (const char* const absent : {"chatter", "passed after", "A1: ", "A3: "}) {
     EXPECT_THAT(printed.err, Not(HasSubstr(absent)));
   }
 }
