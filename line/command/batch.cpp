@@ -118,8 +118,10 @@ ExitStatus BatchCommand::CheckFiles(const UsedFiles& used, const PathOf& path_of
                                     std::to_string(warning.position.column) + ": " + warning.text,
                                 false});
   }
-  const JobErrors of_plugin = CheckPluginFile(m_job, IspPluginIn(m_plugins));
-  found.errors.insert(found.errors.end(), of_plugin.begin(), of_plugin.end());
+  for (const JobErrors& more :
+       {CheckPluginFile(m_job, IspPluginIn(m_plugins)), CheckHookPrograms(m_job)}) {
+    found.errors.insert(found.errors.end(), more.begin(), more.end());
+  }
   SortByPosition(found.errors);
   m_hashes = std::move(found.hashes);
   return Refuse(found.errors);

@@ -26,8 +26,11 @@ StepRequest BatchUnits::StepFor(const JobStep& step, JudgedStep& judged) const {
     request.read = FlashRead{step.read->address, step.read->length, step.read->equals};
   }
   if (!job.line.copy) {
-    for (const std::string& file : FilesOf(judged.words))
-      request.in_place.push_back({file, hashes.at(file)});
+    for (const std::string& file : FilesOf(judged.words)) {
+      const auto hash = hashes.find(file);
+      // One that led elsewhere a moment ago has changed, and so has no hash that it fits.
+      request.in_place.push_back({file, hash == hashes.end() ? "" : hash->second});
+    }
   }
   request.judged = std::move(judged.words);
   return request;

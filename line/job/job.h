@@ -52,6 +52,7 @@ struct JobPlace {
 
 struct JobHook {
   std::vector<std::string> before_unit, on_result;  // empty: none
+  JobPosition before_unit_position, on_result_position;
   bool required = false;
   double timeout_s = 30;
 };

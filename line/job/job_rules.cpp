@@ -203,7 +203,9 @@ void CheckReadBack(const TomlValue& table, const Job& job, JobErrors& errors) {
   }
 }
 
-void CheckHook(const TomlValue& table, const JobHook& hook, JobErrors& errors) {
+void CheckHook(const TomlValue& table, JobHook& hook, JobErrors& errors) {
+  hook.before_unit_position = PositionOf(table, "before_unit");
+  hook.on_result_position = PositionOf(table, "on_result");
   for (const auto& [key, words] :
        {std::pair("before_unit", &hook.before_unit), std::pair("on_result", &hook.on_result)}) {
     const TomlValue* const value = table.Find(key);

@@ -16,7 +16,7 @@ void CheckLine(const TomlValue& table, const JobLine& line, JobErrors& errors);
 void CheckFirmware(const TomlValue& table, JobFirmware& file, JobErrors& errors);
 void CheckPlugin(const TomlValue& table, Job& job, JobErrors& errors);
 void CheckReadBack(const TomlValue& table, const Job& job, JobErrors& errors);
-void CheckHook(const TomlValue& table, const JobHook& hook, JobErrors& errors);
+void CheckHook(const TomlValue& table, JobHook& hook, JobErrors& errors);
 void CheckStep(const TomlValue& table, const JobStep& step, JobErrors& errors);
 // Of a `read` table; turns the digits in `equals` into bytes.
 void CheckRead(const TomlValue& table, JobRead& read, JobErrors& errors);

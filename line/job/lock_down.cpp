@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "line/job/lock_down.h"
 
+#include <unistd.h>
+
 #include <optional>
 #include <utility>
 
@@ -97,7 +99,28 @@ LockDown Check::Take() {
   return std::move(m_result);
 }
 
+void CheckProgram(const std::vector<std::string>& words, const char* key, JobPosition position,
+                  JobErrors& errors) {
+  if (words.empty() || words.front().find('/') == std::string::npos) return;
+  const std::string& program = words.front();
+  // The unit may be in its name.
+  if (program.find('{') != std::string::npos) return;
+  if (IsOrdinaryFile(program) && access(program.c_str(), X_OK) == 0) return;
+  errors.push_back({"hook-missing",
+                    "The program " + program + " of \"" + key +
+                        "\" is not a file that may be executed; check its name and its "
+                        "permissions.",
+                    position});
+}
+
 }  // namespace
+
+JobErrors CheckHookPrograms(const Job& job) {
+  JobErrors errors;
+  CheckProgram(job.hook.before_unit, "before_unit", job.hook.before_unit_position, errors);
+  CheckProgram(job.hook.on_result, "on_result", job.hook.on_result_position, errors);
+  return errors;
+}
 
 LockDown CheckLockDown(const Job& job, const UsedFiles& used,
                        const std::function<std::string(const std::string&)>& path_of) {

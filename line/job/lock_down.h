@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Holds the files that a job programs, and the plug-in that it runs, against what the job says of
-// them. A file that the job does not list must not be used.
+// Holds the files that a job programs, and the plug-in and the hooks that it runs, against what the
+// job says of them. A file that the job does not list must not be used.
 #ifndef ZVISP_LINE_JOB_LOCK_DOWN_H_
 #define ZVISP_LINE_JOB_LOCK_DOWN_H_
 
@@ -30,6 +30,10 @@ LockDown CheckLockDown(const Job& job, const UsedFiles& used,
 
 // Why the plug-in in this file is not the job's; nothing when it is, or the job takes any.
 JobErrors CheckPluginFile(const Job& job, const std::string& path);
+
+// Hooks of the job that cannot be started as it is now. A program without a "/" is looked for in
+// PATH when it is started, and is not judged. REQUIRES: the working directory is the job's.
+JobErrors CheckHookPrograms(const Job& job);
 
 }  // namespace line
 

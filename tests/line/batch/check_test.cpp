@@ -192,6 +192,12 @@ TEST_F(CheckTest, ThePlugInIsHeldAgainstTheJob) {
                    "install it, or name its directory with --plugins."}));
 }
 
+TEST_F(CheckTest, AHookThatIsNotThereIsRefused) {
+  ExpectRefused("[line]", "[hook]\non_result = [\"./gone\"]\n[line]",
+                {"6:13: The program ./gone of \"on_result\" is not a file that may be executed; "
+                 "check its name and its permissions."});
+}
+
 TEST_F(CheckTest, SerialsAreJudgedWhenTheyAreGiven) {
   m_tool.GivenJob(kJob);
   EXPECT_EQ(m_tool.Check({"--unit", "A1=ZP1", "--unit", "A2=ZP2"}).status, 0);

@@ -97,6 +97,8 @@ TEST(JobFileTest, ReadsTheTablesOfTheLine) {
   EXPECT_THAT(job.ignore, testing::ElementsAre("0x1F0000-0x1FFFFF"));
   EXPECT_THAT(job.hook.before_unit, testing::ElementsAre("./may", "{unit}"));
   EXPECT_THAT(job.hook.on_result, testing::ElementsAre("./mes"));
+  EXPECT_EQ(job.hook.before_unit_position.line, 21u);
+  EXPECT_EQ(job.hook.on_result_position.column, 13u);
   EXPECT_TRUE(job.hook.required);
   EXPECT_EQ(job.hook.timeout_s, 2.5);
 }

@@ -103,6 +103,23 @@ TEST_F(LockDownTest, TheBytesOfTheCopyCount) {
   EXPECT_EQ(result.errors[0].id, "locked-hash");
 }
 
+TEST_F(LockDownTest, AHookMustBeAProgram) {
+  EXPECT_THAT(CheckHookPrograms(m_job), testing::IsEmpty());
+  m_job.hook.before_unit = {m_file, "{unit}"};
+  m_job.hook.before_unit_position = {21, 15};
+  m_job.hook.on_result = {"./gone"};
+  m_job.hook.on_result_position = {22, 13};
+  EXPECT_THAT(Texts(CheckHookPrograms(m_job)),
+              testing::ElementsAre("21: The program " + m_file +
+                                       " of \"before_unit\" is not a file that may be executed; "
+                                       "check its name and its permissions.",
+                                   "22: The program ./gone of \"on_result\" is not a file that "
+                                   "may be executed; check its name and its permissions."));
+  m_job.hook.before_unit = {"/bin/sh"};
+  m_job.hook.on_result = {"sh"};
+  EXPECT_THAT(CheckHookPrograms(m_job), testing::IsEmpty());
+}
+
 TEST_F(LockDownTest, ThePlugInIsTheJobsOrAnyOne) {
   EXPECT_THAT(CheckPluginFile(m_job, "/none"), testing::IsEmpty());
   m_job.plugin_position = {16, 10};
