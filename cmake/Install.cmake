@@ -46,6 +46,8 @@ if(TARGET zvisp-line)
   zvisp_install(tool zvisp-line ${home} zvisp-line)
   zvisp_install_link(zvisp-line)
   install(FILES docs/zvisp-line.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(DIRECTORY examples/line DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp/examples
+    USE_SOURCE_PERMISSIONS)
   install(FILES line/event.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/zvisp)
   install(FILES completions/zvisp-line.bash RENAME zvisp-line
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)

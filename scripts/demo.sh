@@ -6,11 +6,15 @@ set -euo pipefail
 usage() {
   cat <<'END'
 ./demo [FILE]
+./demo line
 
 Builds zvisp and the simulated display in build/, programs firmware into the display, reads the
 flash back through the tool and compares. Then zvisp-line does the same in one go, on a second
 display and with a record. No hardware is touched. Without FILE, the firmware is a generated image
 of five banks in two files.
+
+./demo line programs four displays at once with zvisp-line, one of them faulty, and explains what is
+seen. (A file of that name is ./line.)
 
 The first run installs the compiler, CMake and Ninja when they are missing and builds for a minute
 or two; after that it takes seconds.
@@ -29,8 +33,10 @@ cd "$(dirname "$0")/.."
 . scripts/common.sh
 
 given=
+line_alone=no
 case ${1:-} in
   '') ;;
+  line) line_alone=yes ;;
   -h | --help) usage; exit ;;
   -*) usage >&2; fail "no option $1" ;;
   /*) given=$1 ;;
@@ -53,6 +59,13 @@ if cmake --build build --target help | grep -w zvisp-line >/dev/null; then
 fi
 quietly "Building the tool and the simulated display, a minute or two the first time" \
   cmake --build build --parallel "$(processors)" --target "${targets[@]}"
+
+has_line=no
+if [[ ${targets[*]} == *zvisp-line* ]]; then has_line=yes; fi
+if [ "$line_alone" = yes ]; then
+  [ "$has_line" = yes ] || fail "zvisp-line was left out: libraries that it needs are missing"
+  exec scripts/demo-line.sh build/bin
+fi
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -97,7 +110,7 @@ cmp "$work/expected" "$work/dump.bin"
 echo "The flash holds the firmware byte for byte: $((length / bank_bytes)) banks, $length bytes."
 
 # The same with zvisp-line, on a display that is slow enough to watch the bar on a terminal.
-if [[ ${targets[*]} != *zvisp-line* ]]; then
+if [ "$has_line" = no ]; then
   echo "zvisp-line was left out: libraries that it needs are missing."
   exit
 fi

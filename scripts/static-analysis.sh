@@ -12,7 +12,8 @@ echo "clang-format ..."
 git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format --dry-run --Werror
 
 echo "shellcheck ..."
-git ls-files demo test .ci/run '*.sh' | xargs shellcheck
+git ls-files demo test .ci/run '*.sh' examples/line/may-program examples/line/to-mes |
+  xargs shellcheck
 
 echo "cppcheck ..."
 git ls-files 'src/*.cpp' 'simulator/*.cpp' 'line/*.cpp' |

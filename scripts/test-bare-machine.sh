@@ -95,6 +95,9 @@ try_demo() {
   inside root ./demo
   said 'The flash holds the firmware byte for byte'
   said 'comm-2  ZP1  PASS  identical'
+  inside root './demo line'
+  said 'A3  ZP00000003  FAIL  uncertain'
+  said 'A3  ZP00000003  PASS  identical'
   inside root './demo /bin/ls'
   said 'The flash holds the firmware byte for byte'
   if inside root './demo /etc'; then fail "./demo took a directory"; fi

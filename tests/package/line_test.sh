@@ -35,4 +35,9 @@ grep -q '^comm-1  P1  PASS  identical$' "$work/said" || fail "it said: $(cat "$w
 cmp -n 196608 "$work/main.bin" "$work/displays/display-01.flash"
 "$line" journal show --data "$work/record" | grep -q 'P1  unit_result  passed  identical' ||
   fail "the record has no result"
+
+# The example, with a record of its own, is a batch of four displays.
+here=$(cd "$(dirname "$0")" && pwd)
+sh "$here/example_test.sh" "$prefix/bin" "$prefix/libexec/zvisp-simulator" \
+  "$prefix/share/doc/zvisp/examples/line"
 echo "$version programmed 5 banks of a display and read them back"
