@@ -8,6 +8,10 @@
 #include <stddef.h>
 #include <stdint.h>
 
+#ifdef __cplusplus
+extern "C" {
+#endif
+
 enum {
   kDeviceBanks = 256,         /* banks of 65536 bytes in the flash of your display, at most 256 */
   kDeviceNotWritten = 0x2001, /* device.c is still the one of the template */
@@ -23,5 +27,9 @@ void DeviceClose(void);
 int DeviceProgramBank(uint32_t bank, const unsigned char* bytes);
 /* Reads a range of the flash. */
 int DeviceRead(uint32_t address, unsigned char* bytes, size_t length);
+
+#ifdef __cplusplus
+}
+#endif
 
 #endif

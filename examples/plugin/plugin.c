@@ -97,7 +97,7 @@ int IspFlash(Setting* setting) {
   if (setting->enumActionType != CP_ISPTOOL_ACTION_ISP) return kWrongAction;
   code = CheckMap(&setting->stMapFw);
   if (code != 0) return code;
-  image = malloc((size_t)setting->stMapFw.ulCount * kFwBankBytes);
+  image = (unsigned char*)malloc((size_t)setting->stMapFw.ulCount * kFwBankBytes);
   if (image == NULL) return kNoMemory;
   memset(image, kPadding, (size_t)setting->stMapFw.ulCount * kFwBankBytes);
   code = ReadFiles(&setting->stMapFw, image);
@@ -125,7 +125,7 @@ int DumpFlash(Setting* setting) {
   if (setting->enumActionType != CP_ISPTOOL_ACTION_DUMP_FLASH) return kWrongAction;
   if (dump->ulDumpLen == 0 || end > (uint64_t)kDeviceBanks * kFwBankBytes) return kBadRange;
   if (!ZvWideToUtf8(dump->wszDumpFile, kPathCapacity, path, sizeof path)) return kBadPath;
-  bytes = malloc(dump->ulDumpLen);
+  bytes = (unsigned char*)malloc(dump->ulDumpLen);
   if (bytes == NULL) return kNoMemory;
   code = OpenDisplay(setting);
   if (code == 0) {

@@ -100,6 +100,19 @@ sed -i.bak 's/^void DeviceClose/void NobodyHas(void);\
 &/; s/fclose(g_flash)/NobodyHas()/' device.c
 refused 'a plug-in with an undefined function' NobodyHas
 
+# The template itself in C++: the calls in C++ alone, or all of it.
+cp "$example/plugin.c" plugin.cpp
+cp "$here/template/device_in_a_file.c" device.c
+cp device.c device.cpp
+for sources in 'plugin.cpp device.c' 'plugin.cpp device.cpp'; do
+  sed -e 's/LANGUAGES C)/LANGUAGES C CXX)/' -e "s/plugin.c device.c/$sources/" \
+    "$example/CMakeLists.txt" >CMakeLists.txt
+  rm -rf build
+  configure . build
+  cmake --build build >"$scratch/said" || fail "$sources: $(cat "$scratch/said")"
+  run 0 --isp --fw é.bin --bank 1 --comm 7
+done
+
 # In C++: nothing but the calls is exported, and no runtime has to be on the machine.
 configure "$here/template" "$scratch/signer"
 cmake --build "$scratch/signer" >"$scratch/said" || fail "$(cat "$scratch/said")"
