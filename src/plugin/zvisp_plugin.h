@@ -138,6 +138,7 @@ static inline int ZvWideToUtf8(const wchar_t* wide, size_t wide_capacity, char* 
   size_t used = 0;
   size_t i;
   for (i = 0; i < wide_capacity; ++i) {
+    // Units, not bytes. NOLINTNEXTLINE(bugprone-signed-char-misuse)
     const uint32_t unit = ZVISP_CAST(uint32_t, wide[i]);
     // The first byte has the highest bits; each of the `rest` bytes after it has six more.
     uint32_t rest = unit < 0x80U ? 0U : unit < 0x800U ? 1U : unit < 0x10000U ? 2U : 3U;
