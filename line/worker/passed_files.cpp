@@ -45,11 +45,13 @@ ssize_t SendWithFiles(int socket, const char* bytes, std::size_t count,
   message.msg_iov = &data;
   message.msg_iovlen = 1;
   message.msg_control = control;
-  message.msg_controllen = CMSG_SPACE(files.size() * sizeof(int));
+  // These lengths have a type of their own on each system.
+  message.msg_controllen =
+      static_cast<decltype(message.msg_controllen)>(CMSG_SPACE(files.size() * sizeof(int)));
   cmsghdr* const part = CMSG_FIRSTHDR(&message);
   part->cmsg_level = SOL_SOCKET;
   part->cmsg_type = SCM_RIGHTS;
-  part->cmsg_len = CMSG_LEN(files.size() * sizeof(int));
+  part->cmsg_len = static_cast<decltype(part->cmsg_len)>(CMSG_LEN(files.size() * sizeof(int)));
   std::memcpy(CMSG_DATA(part), files.data(), files.size() * sizeof(int));
   return sendmsg(socket, &message, flags);
 }
