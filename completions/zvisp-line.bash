@@ -37,7 +37,7 @@ _zvisp_line() {
   esac
   local words
   case ${COMP_WORDS[1]}-$COMP_CWORD in
-    *-1) words='plan run readback batch job journal --help --version' ;;
+    *-1) words='plan run readback batch job check-plugin journal --help --version' ;;
     plan-*) words="$common $unit --" ;;
     run-*) words="$common $unit --readback --ignore --" ;;
     readback-*) words="$common $unit --ignore --" ;;
@@ -49,6 +49,13 @@ _zvisp_line() {
       case ${COMP_WORDS[2]} in
         init) words="$common --output --name --pattern --place --timeout --readback --plugins --allow-unsigned --expect --" ;;
       esac ;;
+    check-plugin-*)
+      words="$common --with-device --timeout"
+      if [[ $current != -* ]]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return
+      fi ;;
     journal-2) words='show doctor resolve --help' ;;
     journal-*)
       case ${COMP_WORDS[2]} in

@@ -24,11 +24,11 @@ function __zvisp_line_words
     complete -C "$zvisp "(commandline -ct)
 end
 
-set -g __zvisp_line_all plan run readback batch job-init journal-show journal-doctor journal-resolve
+set -g __zvisp_line_all plan run readback batch job-init check-plugin journal-show journal-doctor journal-resolve
 
 complete -c zvisp-line -f
 complete -c zvisp-line -n '__zvisp_line_after_dashes' -a '(__zvisp_line_words)'
-complete -c zvisp-line -n '__zvisp_line_begins 1' -a 'plan run readback batch job journal'
+complete -c zvisp-line -n '__zvisp_line_begins 1' -a 'plan run readback batch job check-plugin journal'
 complete -c zvisp-line -n '__zvisp_line_begins 2 job' -a 'init'
 complete -c zvisp-line -n '__zvisp_line_begins 2 journal' -a 'show doctor resolve'
 complete -c zvisp-line -n '__zvisp_line_uses $__zvisp_line_all' -l help -d 'print the options'
@@ -59,6 +59,9 @@ complete -c zvisp-line -n '__zvisp_line_uses job-init' -l pattern -x -d 'what a 
 complete -c zvisp-line -n '__zvisp_line_uses job-init' -l place -x -d 'a place and its interface'
 complete -c zvisp-line -n '__zvisp_line_uses job-init' -l timeout -x -d 'end the step after so long'
 complete -c zvisp-line -n '__zvisp_line_uses job-init' -l readback -d 'read back and compare'
+complete -c zvisp-line -n '__zvisp_line_uses check-plugin' -F
+complete -c zvisp-line -n '__zvisp_line_uses check-plugin' -l with-device -d 'a display may be written'
+complete -c zvisp-line -n '__zvisp_line_uses check-plugin' -l timeout -x -d 'end a check after so long'
 complete -c zvisp-line -n '__zvisp_line_uses journal-show' -l unit -x -d 'only this display'
 complete -c zvisp-line -n '__zvisp_line_uses journal-show' -l run -x -d 'only this run'
 complete -c zvisp-line -n '__zvisp_line_uses journal-resolve' -l note -x -d 'why it is clear'

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// zvisp-line: the words of the command line go to the commands, or to a worker.
+// zvisp-line: the words of the command line go to the commands, to a worker, or to a check.
 #include <csignal>
 #include <cstring>
 #include <string>
@@ -8,6 +8,7 @@
 
 #include "app/standard_streams.h"
 #include "line/command/commands.h"
+#include "line/plugin_check/check_process.h"
 #include "line/worker/worker.h"
 
 using namespace zvisp;
@@ -21,5 +22,6 @@ int main(int argc, char** argv) {
   if (argc > 2 && std::strcmp(argv[1], line::kWorkerCommand) == 0) {
     return line::RunWorker(argv[2]);
   }
+  if (argc > 2 && std::strcmp(argv[1], line::kCheckCommand) == 0) line::RunCheckProcess();
   return line::RunCommandLine({argv + (argc > 0 ? 1 : 0), argv + argc});
 }

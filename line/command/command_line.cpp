@@ -21,6 +21,7 @@ constexpr CommandRow kCommands[] = {
   {Command::kReadback,       RunUnit},
   {Command::kBatch,          RunBatch},
   {Command::kJobInit,        RunJobInit},
+  {Command::kCheckPlugin,    RunCheckPlugin},
   {Command::kJournalShow,    RunJournalShow},
   {Command::kJournalDoctor,  RunJournalDoctor},
   {Command::kJournalResolve, RunJournalResolve},

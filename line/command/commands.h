@@ -16,6 +16,7 @@ ExitStatus RunPlan(const Options& options, Session& session);
 ExitStatus RunUnit(const Options& options, Session& session);
 ExitStatus RunBatch(const Options& options, Session& session);
 ExitStatus RunJobInit(const Options& options, Session& session);
+ExitStatus RunCheckPlugin(const Options& options, Session& session);
 ExitStatus RunJournalShow(const Options& options, Session& session);
 ExitStatus RunJournalDoctor(const Options& options, Session& session);
 ExitStatus RunJournalResolve(const Options& options, Session& session);

@@ -55,6 +55,9 @@ constexpr const char* kTitle = "Programs one display or many, with progress, rec
 constexpr const char* kStatuses =
     "Exit status: 0 passed, 1 failed or different, 2 refused, 3 not available,\n"
     "4 not recorded, 5 uncertain, 129, 130 or 143 ended by a signal.";
+constexpr const char* kCheckStatuses =
+    "Exit status: 0 no check failed, 1 a check failed, 2 refused, 3 not available,\n"
+    "129, 130 or 143 ended by a signal.";
 constexpr const char* kWords = "What follows \"--\" are the words of zvisp.\n";
 
 // The library would name a command without the program, and show values that no option takes.
@@ -88,6 +91,7 @@ class Grammar {
     m_app.require_subcommand(1);
     AddUnitCommands();
     AddJobCommands();
+    AddCheckCommand();
     AddJournalCommands();
   }
 
@@ -240,6 +244,22 @@ class Grammar {
     AddFlag(app, "--readback", m_options.readback, "Read the flash back afterwards and compare");
     AddStrictness(app);
     AddPlugins(app);
+  }
+
+  void AddCheckCommand() {
+    CLI::App& check =
+        AddCommand(m_app, "check-plugin", "check-plugin [OPTIONS] FILE",
+                   "Hold a plug-in against the rules of its header", Command::kCheckPlugin);
+    check.footer(kCheckStatuses);
+    check.add_option("FILE", m_options.plugin_file, "The plug-in's file")
+        ->required()
+        ->check(CLI::Validator(CheckText, ""))
+        ->type_name("");
+    AddFlag(check, "--with-device", m_options.with_device,
+            "Also make calls by which a faulty plug-in may program a display");
+    check.add_option("--timeout", m_options.timeout_s, "End a check after so long, 10; 0: never")
+        ->check(CLI::Validator(CheckSeconds, ""))
+        ->type_name("SECONDS");
   }
 
   void AddJournalCommands() {

@@ -20,6 +20,7 @@ enum class Command {
   kReadback,
   kBatch,
   kJobInit,
+  kCheckPlugin,
   kJournalShow,
   kJournalDoctor,
   kJournalResolve
@@ -54,6 +55,9 @@ struct Options {
   std::string name;                 // --name
   std::string pattern;              // --pattern
   std::vector<std::string> places;  // --place NAME=COMM, as given
+  // Of check-plugin, which has a time limit as well.
+  std::string plugin_file;  // as given
+  bool with_device = false;
   // Of journal show and journal resolve.
   std::string run;
   std::string note;

@@ -14,6 +14,8 @@ constexpr std::array<std::string_view, 6> kStates = {"untouched", "programming",
 constexpr std::array<std::string_view, 8> kOutcomes = {"passed",  "failed",      "different",
                                                        "refused", "unavailable", "timed_out",
                                                        "crashed", "interrupted"};
+constexpr std::array<std::string_view, 4> kCheckOutcomes = {"passed", "warning", "failed",
+                                                            "not_run"};
 constexpr std::array<std::string_view, 5> kPhases = {"prepare", "signature", "boot", "program",
                                                      "read-back"};
 constexpr std::array<std::string_view, 2> kWaitReasons = {"interface", "hook"};
@@ -40,6 +42,9 @@ std::string_view NameOf(UnitState state) {
 }
 std::string_view NameOf(Outcome outcome) {
   return Name(kOutcomes, outcome);
+}
+std::string_view NameOf(CheckOutcome outcome) {
+  return Name(kCheckOutcomes, outcome);
 }
 std::string_view NameOf(Phase phase) {
   return Name(kPhases, phase);

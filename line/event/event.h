@@ -46,12 +46,16 @@ enum class WaitReason {
   kHook,       // a program that the job names is asked
 };
 
+// What a check of a plug-in found. A warning is no failure.
+enum class CheckOutcome { kPassed, kWarning, kFailed, kNotRun };
+
 enum class Level { kInfo, kWarning, kError };
 enum class Source { kTool, kPlugin, kOutput };  // kOutput: what a plug-in printed
 
 // The names that the events carry: "programming", "timed_out", "read-back", "hook", "plug-in".
 std::string_view NameOf(UnitState state);
 std::string_view NameOf(Outcome outcome);
+std::string_view NameOf(CheckOutcome outcome);
 std::string_view NameOf(Phase phase);
 std::string_view NameOf(WaitReason reason);
 std::string_view NameOf(Level level);
@@ -199,9 +203,17 @@ struct FindingEvent {
   std::string since;  // time of the event that left it so
 };
 
+// A rule of the plug-in header, held against a plug-in.
+struct CheckEvent {
+  std::string id, title;
+  CheckOutcome outcome = CheckOutcome::kNotRun;
+  std::string text;  // what was seen, and what to do; often empty when it passed
+};
+
 struct SummaryEvent {
   std::vector<std::pair<Outcome, std::uint64_t>> outcomes;
   std::vector<std::pair<UnitState, std::uint64_t>> states;
+  std::vector<std::pair<CheckOutcome, std::uint64_t>> checks = {};  // of check-plugin only
 };
 
 struct EndEvent {
@@ -212,7 +224,7 @@ struct EndEvent {
 using EventBody =
     std::variant<HelloEvent, PlanEvent, WaitEvent, UnitStartEvent, StartEvent, StateEvent,
                  ProgressEvent, MessageEvent, ResultEvent, UnitResultEvent, ErrorEvent,
-                 ResolvedEvent, FindingEvent, SummaryEvent, EndEvent>;
+                 ResolvedEvent, FindingEvent, CheckEvent, SummaryEvent, EndEvent>;
 
 struct Event {
   std::int64_t time_ms = 0;   // since 1970, UTC

@@ -191,6 +191,14 @@ const char* PutBody(Json& json, const FindingEvent& finding) {
   return "finding";
 }
 
+const char* PutBody(Json& json, const CheckEvent& check) {
+  json["id"] = check.id;
+  json["title"] = check.title;
+  json["outcome"] = NameOf(check.outcome);
+  json["text"] = check.text;
+  return "check";
+}
+
 const char* PutBody(Json& json, const SummaryEvent& summary) {
   json["outcomes"] = Json::object();
   json["states"] = Json::object();
@@ -199,6 +207,9 @@ const char* PutBody(Json& json, const SummaryEvent& summary) {
   }
   for (const auto& [state, count] : summary.states) {
     json["states"][std::string(NameOf(state))] = count;
+  }
+  for (const auto& [outcome, count] : summary.checks) {
+    json["checks"][std::string(NameOf(outcome))] = count;
   }
   return "summary";
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "line/event/check_text.h"
 #include "line/event/plan_text.h"
 #include "line/event/screen_text.h"
 #include "line/event/time_text.h"
@@ -145,8 +146,12 @@ Lines Say(const Event& event, const ResolvedEvent& resolved) {
                CleanText(event.where.run)}};
 }
 
+Lines Say(const Event&, const CheckEvent& check) {
+  return LinesOfCheck(check);
+}
+
 Lines Say(const Event&, const SummaryEvent& summary) {
-  std::string text;
+  std::string text = CountsOfChecks(summary);
   for (const auto& [outcome, count] : summary.outcomes) {
     if (count == 0) continue;
     text += (text.empty() ? "" : ", ") + std::to_string(count) + " " + WordsOf(outcome);

@@ -11,7 +11,6 @@
 
 #include "base/process_path.h"
 #include "line/worker/passed_files.h"
-#include "line/worker/worker.h"
 
 using namespace zvisp;
 
@@ -29,11 +28,11 @@ bool MakeSocketPair(int (&ends)[2]) {
   return ends[0] >= 0 && ends[1] >= 0;
 }
 
-int Spawn(int output, int copies_lock, int socket, ChildProcess& process) {
+int Spawn(const char* command, int output, int copies_lock, int socket, ChildProcess& process) {
   char program[4096] = {};
   ReadProcessPath(program, sizeof program);
   // The last one begins the messages of zvisp's scanner.
-  ChildOrder order = {program, {"zvisp-line", kWorkerCommand, "zvisp"}, "", {}, {STDIN_FILENO}};
+  ChildOrder order = {program, {"zvisp-line", command, "zvisp"}, "", {}, {STDIN_FILENO}};
   order.puts = {{output, STDOUT_FILENO}, {output, STDERR_FILENO}, {socket, kWorkerSocket}};
   if (copies_lock >= 0) {
     order.puts.push_back({copies_lock, kWorkerCopiesLock});
@@ -55,10 +54,10 @@ WorkerProcess::~WorkerProcess() {
   CloseSocket();
 }
 
-bool WorkerProcess::Start(int output, int copies_lock, std::string& error) {
+bool WorkerProcess::Start(int output, int copies_lock, std::string& error, const char* command) {
   int ends[2] = {-1, -1};
   int failure = MakeSocketPair(ends) ? 0 : errno;
-  if (failure == 0) failure = Spawn(output, copies_lock, ends[1], m_process);
+  if (failure == 0) failure = Spawn(command, output, copies_lock, ends[1], m_process);
   if (ends[1] >= 0) close(ends[1]);
   m_socket = ends[0];
   if (failure == 0) return true;

@@ -10,6 +10,7 @@
 
 #include "line/supervise/child_process.h"
 #include "line/worker/messages.h"
+#include "line/worker/worker.h"
 
 namespace line {
 
@@ -23,8 +24,9 @@ class WorkerProcess {
 
   // Starts this program as a worker, in a process group of its own, with /dev/null as standard
   // input and `output` as standard output and error. `copies_lock` is an open file that it keeps
-  // open, or -1. False, with a sentence in `error`, when it cannot be started.
-  bool Start(int output, int copies_lock, std::string& error);
+  // open, or -1; `command` is the hidden one that it is started with. False, with a sentence in
+  // `error`, when it cannot be started.
+  bool Start(int output, int copies_lock, std::string& error, const char* command = kWorkerCommand);
 
   int Socket() const { return m_socket; }
   bool WantsToSend() const { return !m_to_send.empty(); }

@@ -33,6 +33,8 @@ CASES = (
     ("zvisp-line pl", "zvisp-line plan "),
     ("zvisp-line journal doc", "zvisp-line journal doctor "),
     ("zvisp-line run --readb", "zvisp-line run --readback "),
+    ("zvisp-line check-plugin --with", "zvisp-line check-plugin --with-device "),
+    ("zvisp-line check-plugin pan", "zvisp-line check-plugin panel.bin "),
     ("zvisp-line journal show --ru", "zvisp-line journal show --run "),
     ("zvisp-line readback --progress al", "zvisp-line readback --progress always "),
     ("zvisp-line plan --plugins ke", "zvisp-line plan --plugins keys/"),

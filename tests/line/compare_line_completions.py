@@ -7,7 +7,8 @@ import re
 import subprocess
 import sys
 
-COMMANDS = ("plan", "run", "readback", "batch", "job init", "journal show", "journal doctor", "journal resolve")
+COMMANDS = ("plan", "run", "readback", "batch", "job init", "check-plugin",
+            "journal show", "journal doctor", "journal resolve")
 
 
 def from_help(tool, command):

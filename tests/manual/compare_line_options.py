@@ -9,7 +9,7 @@ import re
 import subprocess
 import sys
 
-COMMANDS = (["plan"], ["run"], ["readback"], ["batch"], ["job", "init"],
+COMMANDS = (["plan"], ["run"], ["readback"], ["check-plugin"], ["batch"], ["job", "init"],
             ["journal", "show"], ["journal", "doctor"], ["journal", "resolve"])
 
 

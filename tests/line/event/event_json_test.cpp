@@ -76,15 +76,16 @@ const TypeRow kTypes[] = {
   {ErrorEvent{"job", "No.", "a.toml", 3, 7}, "error", R"("id":"job","text":"No.","file":"a.toml","line":3,"column":7})"},
   {ResolvedEvent{"scrapped"}, "resolved", R"("note":"scrapped"})"},
   {FindingEvent{UnitState::kUncertain, 40, "t"}, "finding", R"("state":"uncertain","last_percent":40,"since":"t"})"},
+  {CheckEvent{"loads", "is a library", CheckOutcome::kNotRun, "no"}, "check", R"("id":"loads","title":"is a library","outcome":"not_run","text":"no"})"},
+  {SummaryEvent{{}, {}, {{CheckOutcome::kFailed, 1}}}, "summary", R"("outcomes":{},"states":{},"checks":{"failed":1}})"},
   {SummaryEvent{{{Outcome::kPassed, 2}}, {{UnitState::kIdentical, 2}}}, "summary", R"("outcomes":{"passed":2},"states":{"identical":2}})"},
   {EndEvent{5, true}, "end", R"("exit_status":5,"interrupted":true})"},
 };
 // clang-format on
 
 TEST(EventJson, EveryTypeHasTheEnvelopeAndItsOwnFields) {
-  static_assert(std::size(kTypes) == std::variant_size_v<EventBody> + 2,
-                "each type, two of them "
-                "twice");
+  static_assert(std::size(kTypes) == std::variant_size_v<EventBody> + 3,
+                "each type, three of them twice");
   for (const TypeRow& row : kTypes) {
     EXPECT_EQ(ToJsonLine(At(7, row.body)),
               "{\"v\":1,\"type\":\"" + std::string(row.type) + "\"," + kFront + row.own + "\n");
