@@ -15,18 +15,21 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 fail() { echo "plugin_header: $*" >&2; exit 1; }
 
-# The names of those that are there, once each. In continuous integration all must be.
+# The names of those that are there. What says of itself, after its name, what another one said is
+# the same compiler, and is left out.
 present() {
   for name in "$@"; do
-    if command -v "$name" >/dev/null; then echo "$name"
-    elif [ -n "${CI:-}" ]; then echo "plugin_header: $name is not installed" >&2
+    if command -v "$name" >/dev/null; then
+      echo "$name $("$name" --version | sed 's/^[^ ]* //; q')"
     fi
-  done | sort -u
+  done | sort -u -k 2 | cut -d ' ' -f 1
 }
 c_compilers=$(present gcc clang "$2")
 cxx_compilers=$(present g++ clang++ "$3")
 [ -n "$c_compilers" ] || fail "no C compiler is there: scripts/dependencies.sh build"
 [ -n "$cxx_compilers" ] || fail "no C++ compiler is there: scripts/dependencies.sh build"
+
+# In continuous integration all must be there.
 if [ -n "${CI:-}" ]; then
   for name in gcc clang g++ clang++; do
     command -v "$name" >/dev/null || fail "$name is needed: scripts/dependencies.sh checks"
@@ -142,6 +145,13 @@ wrong_order() {
   done
 }
 each_language wrong_order
+
+# And the other way round: a source of a plug-in cannot use what constructs records.
+printf '#include "plugin/zvisp_plugin.h"\n#include "plugin/zeroed.h"\n' >"$scratch/order"
+for compiler in $cxx_compilers; do
+  ! compile "$compiler" c++ c++20 "$include" "$scratch/order" || fail "$compiler accepts zeroed.h"
+  grep -q 'left their constructors out' "$scratch/said" || fail "$compiler: $(cat "$scratch/said")"
+done
 
 # Older than C++11: one line says it.
 for compiler in $cxx_compilers; do
