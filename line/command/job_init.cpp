@@ -55,7 +55,6 @@ class JobInit {
  public:
   JobInit(const Options& options, Session& session)
       : m_options(options),
-        m_session(session),
         m_scan(ScanOptions(options.words)),
         m_plugins(PluginDirectory(options.plugins)),
         m_output(options.output.empty() ? "" : AbsolutePath(options.output)),
@@ -81,7 +80,6 @@ class JobInit {
   ExitStatus Refuse(JobErrors errors);
 
   const Options& m_options;
-  Session& m_session;
   OptionScan m_scan;
   std::string m_plugins, m_output, m_directory;
   std::string m_no_file;
