@@ -84,8 +84,12 @@ bool IsLocked(const std::string& path) {
 }
 
 void WriteHolder(int file, const std::string& holder) {
-  // For people only. A failure changes nothing about the lock.
-  if (ftruncate(file, 0) != 0) return;
+  // For people only. A failure changes nothing about the lock. The file is cut only when it is too
+  // long: to give its block back and to get a new one costs more than the lock.
+  struct stat facts = {};
+  const auto length = static_cast<off_t>(holder.size());
+  const bool is_longer = fstat(file, &facts) == 0 && facts.st_size > length;
+  if (is_longer && ftruncate(file, length) != 0) return;
   static_cast<void>(!pwrite(file, holder.data(), holder.size(), 0));
 }
 

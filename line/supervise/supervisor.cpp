@@ -37,7 +37,7 @@ void Supervisor::Run() {
   std::uint64_t next_tick = MonotonicMs() + kTickMs;
   for (FollowSchedule(); !m_served.empty() || !m_schedule.IsEmpty(); FollowSchedule()) {
     const std::uint64_t wake = NextWake(next_tick);
-    WaitForSomething(wake);
+    WaitForSomething(m_may_start_more ? 0 : wake);
     const std::uint64_t now = MonotonicMs();
     if (now < wake) continue;
     if (now >= next_tick) {
@@ -54,12 +54,18 @@ void Supervisor::Run() {
 void Supervisor::FollowSchedule() {
   do {
     LeaveOut();
-    while (const std::optional<std::size_t> next = m_schedule.TakeNext(MonotonicMs())) {
-      UnitRun& unit = *m_units[*next];
-      m_served.push_back({*next, &unit, false});
-      unit.Start();
-    }
+    StartNext();
   } while (NoteEnds());
+}
+
+// One at a time: those that run are served before the next one starts.
+void Supervisor::StartNext() {
+  const std::optional<std::size_t> next = m_schedule.TakeNext(MonotonicMs());
+  m_may_start_more = next.has_value();
+  if (!next) return;
+  UnitRun& unit = *m_units[*next];
+  m_served.push_back({*next, &unit, false});
+  unit.Start();
 }
 
 // True when the schedule has heard of an end.

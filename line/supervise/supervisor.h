@@ -43,6 +43,7 @@ class Supervisor {
   };
 
   void FollowSchedule();
+  void StartNext();
   bool NoteEnds();
   void LeaveOut();
   std::uint64_t NextWake(std::uint64_t next_tick_ms) const;
@@ -56,6 +57,7 @@ class Supervisor {
   BatchSchedule& m_schedule;
   std::vector<Served> m_served;
   std::vector<pollfd> m_polled;  // kept, so that a wait needs no memory
+  bool m_may_start_more = false;
   StopSignals m_signals;
   int m_stop_signal = 0;
   std::uint64_t m_stopped_ms = 0;
