@@ -49,7 +49,9 @@ ExitStatus StatusOfUnits(const std::vector<UnitEnd>& ends, int stop_signal, bool
   if (any(IsLost) || (hook_required && hook_failed)) return kExitNotRecorded;
   if (any([](const UnitEnd& end) { return end.interrupted; })) return StatusOfSignal(stop_signal);
   if (std::all_of(ends.begin(), ends.end(), has_passed)) return kExitPassed;
-  const bool is_touched = any([&](const UnitEnd& end) { return end.touched || has_passed(end); });
+  // A call that promises to have written nothing leaves its display untouched.
+  const bool is_touched = any(
+      [&](const UnitEnd& end) { return end.state != UnitState::kUntouched || has_passed(end); });
   return is_touched ? kExitFailed : StatusOfUntouched(ends);
 }
 

@@ -182,4 +182,14 @@ TEST_F(MixedFaults, TheTableSaysSo) {
   ExpectDisplays();
 }
 
+// A station whose displays are all switched off: nothing to mend but the power.
+TEST_F(MixedFaults, DisplaysThatDoNotAnswerAreNotAvailable) {
+  for (unsigned place = 1; place <= kPlaces; ++place) {
+    m_floor.AllDisplays().GivenFaults(place, "no-answer");
+  }
+  EXPECT_EQ(m_floor.RunBatch().status, 3);
+  m_floor.AllDisplays().GivenFaults(1, "");
+  EXPECT_EQ(m_floor.RunBatch().status, 1);
+}
+
 }  // namespace

@@ -26,6 +26,10 @@ const UnitEnd kRefused = Ended(Outcome::kRefused);
 const UnitEnd kInUse = Ended(Outcome::kUnavailable);
 const UnitEnd kDoubt = Ended(Outcome::kCrashed, UnitState::kUncertain);
 
+UnitEnd Called(UnitEnd end) {
+  end.touched = true;
+  return end;
+}
 UnitEnd Lost(UnitEnd end) {
   end.recorded = false;
   return end;
@@ -54,6 +58,8 @@ const Row kRows[] = {
   {{kBad, kBad}, 1},
   {{kRefused, kBad, kInUse}, 2},
   {{kInUse, kBad}, 3},
+  {{Called(kInUse), Called(kInUse)}, 3},
+  {{Called(kInUse), kGood}, 1},
   {{Lost(kReset), kGood}, 0},
   {{Lost(kGood), kGood}, 4},
   {{Lost(kOther), Interrupted(kBad)}, 4},
