@@ -24,8 +24,10 @@ bool MakeSocketPair(int (&ends)[2]) {
   for (int& end : ends) {
     end = MovedUp(end);
   }
+  // Before anything else can fail for another reason.
+  if (ends[0] < 0 || ends[1] < 0) return false;
   fcntl(ends[0], F_SETFL, O_NONBLOCK);
-  return ends[0] >= 0 && ends[1] >= 0;
+  return true;
 }
 
 int Spawn(const char* command, int output, int copies_lock, int socket, ChildProcess& process) {
