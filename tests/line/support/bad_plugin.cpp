@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // A plug-in that does wrong on purpose: IspFlash misbehaves as the environment variable
-// ZVISP_BAD_PLUGIN names it. Every other call succeeds.
+// ZVISP_BAD_PLUGIN names it, or at interface N the variable ZVISP_BAD_PLUGIN_N. Every other call
+// succeeds.
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/socket.h>
@@ -207,10 +208,16 @@ constexpr Row kRows[] = {
 };
 // clang-format on
 
+const char* WishFor(const Setting& setting) {
+  const std::string variable = "ZVISP_BAD_PLUGIN_" + std::to_string(setting.enumCommID);
+  const char* const wish = std::getenv(variable.c_str());
+  return wish != nullptr ? wish : std::getenv("ZVISP_BAD_PLUGIN");
+}
+
 }  // namespace
 
 ZVISP_PLUGIN_EXPORT int IspFlash(Setting* setting) {
-  const char* const wish = std::getenv("ZVISP_BAD_PLUGIN");
+  const char* const wish = WishFor(*setting);
   for (const Row& row : kRows) {
     if (wish != nullptr && std::strcmp(row.name, wish) == 0) return row.call(setting);
   }
