@@ -210,7 +210,7 @@ ExitStatus JobInit::Judge() {
 std::string JobInit::ListedName(const std::string& file) const {
   for (const std::string& word : m_job.steps.front().words) {
     const std::size_t equals = word.starts_with("--") ? word.find('=') : std::string::npos;
-    const std::string value = equals == std::string::npos ? word : word.substr(equals + 1);
+    std::string value = equals == std::string::npos ? word : word.substr(equals + 1);
     if (IsOrdinaryFile(value) && OneNameOf(value) == file) return value;
   }
   const std::string base = OneNameOf(m_directory) + "/";

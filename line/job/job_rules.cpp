@@ -113,9 +113,9 @@ int DigitOf(char c) {
 // "52 34" as two bytes; false for other text.
 bool BytesIn(const std::string& text, std::string& bytes) {
   std::string digits;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != ' ') {
-      digits += text[i];
+  for (const char character : text) {
+    if (character != ' ') {
+      digits += character;
     } else if (digits.size() % 2 != 0) {
       return false;
     }
@@ -274,7 +274,7 @@ void CheckPlace(const TomlValue& table, const JobPlace& place, JobErrors& errors
   RequireKey(table, "This [[place]]", "name", "give it one.", errors);
   CheckNameLength(table, place.name, errors);
   // {place} may be part of a file's name, and --unit separates the place by "=".
-  if (place.name.find_first_of("/=") != std::string::npos || place.name.find("..") == 0) {
+  if (place.name.find_first_of("/=") != std::string::npos || place.name.starts_with("..")) {
     errors.push_back({"bad-name",
                       "The name of a place has no \"/\", no \"=\", and no \"..\" at its start; "
                       "rename it.",

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // libstdc++ matches by deep recursion, as deep as the expression has states. This bounds it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the library's.
 #define _GLIBCXX_REGEX_STATE_LIMIT 10000
 
 #include "line/job/serial_pattern.h"

@@ -16,6 +16,11 @@ namespace line {
 
 namespace {
 
+std::string NoSerialAt(const std::string& place) {
+  return "The place \"" + place + "\" has no serial; give --unit " + place +
+         "=SERIAL, or leave it out with --skip " + place + ".";
+}
+
 // The places of a job, each with what the options say of it.
 class Reading {
  public:
@@ -101,9 +106,7 @@ void Reading::Check(const std::string& place, const std::string& serial) {
 void Reading::RequireAll() {
   for (std::size_t i = 0; i < m_places.size(); ++i) {
     if (m_places[i].skipped || m_places[i].unit) continue;
-    const std::string& name = m_job.places[i].name;
-    Refuse("serial-missing", "The place \"" + name + "\" has no serial; give --unit " + name +
-                                 "=SERIAL, or leave it out with --skip " + name + ".");
+    Refuse("serial-missing", NoSerialAt(m_job.places[i].name));
   }
 }
 

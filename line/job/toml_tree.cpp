@@ -4,6 +4,10 @@
 #include <algorithm>
 #include <utility>
 
+// Input such as "[.a]" breaks a condition that the library asserts, and then reports. With NDEBUG,
+// some compilers take the condition for granted; so it is neither asserted nor assumed here.
+#undef NDEBUG
+#define TOML_ASSERT(condition) static_assert(true)
 #define TOML_EXCEPTIONS 0
 #define TOML_ENABLE_FORMATTERS 0
 #include <toml++/toml.h>

@@ -226,6 +226,7 @@ std::vector<UnitHistory> HistoriesOf(const std::string& data_directory,
   Index index(data_directory, units, job_name);
   index.Ask();
   std::vector<UnitHistory> histories;
+  histories.reserve(units.size());
   for (const std::string& unit : units)
     histories.push_back(index.HistoryOf(unit));
   return histories;

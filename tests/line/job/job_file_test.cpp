@@ -431,6 +431,16 @@ TEST(JobFileTest, NoFragmentOfAJobEndsTheReader) {
   }
 }
 
+TEST(JobFileTest, AHeaderWithoutAKeyIsASentence) {
+  for (const char* const header : {"[.a]", "[$]", "[=]"}) {
+    EXPECT_EQ(ErrorsOf(header), std::vector<std::string>(
+                                    {std::string("1:2: Error while parsing key: expected bare key "
+                                                 "starting character or string delimiter, saw "
+                                                 "'") +
+                                     header[1] + "'; correct the line."}));
+  }
+}
+
 TEST(JobFileTest, NoRandomByteEndsTheReader) {
   std::mt19937 random(15);  // the same bytes in each run
   for (int i = 0; i < 3000; ++i) {
