@@ -18,8 +18,9 @@ namespace line {
 namespace {
 
 constexpr std::size_t kReadAtOnce = 65536;
-// A pipe holds at most 1 MiB. What comes after that was printed by somebody who outlived the child.
-constexpr int kReadsAtEnd = 1024 * 1024 / kReadAtOnce;
+// 1 MiB: more does not fit into a pipe, so what comes after it was printed by somebody who outlived
+// the child.
+constexpr int kReadsAtEnd = 16;
 
 bool MakePipe(int& read_end, int& write_end) {
   int ends[2] = {-1, -1};
