@@ -5,9 +5,11 @@
 #   scripts/bench.sh [BUILD_DIRECTORY]            parts of the tool, and whole runs
 #   scripts/bench.sh search [EXECUTABLE]          a search in directories of many files
 #   scripts/bench.sh signing [EXECUTABLE [ROUNDS]]    signing and verifying
+#   scripts/bench.sh batch [BUILD_DIRECTORY [ROUNDS]]    batches of zvisp-line, and a big record
 set -euo pipefail
 case ${1:-} in
   search | signing) exec "$(dirname "$0")/../bench/$1.sh" "${@:2}" ;;
+  batch) exec "$(dirname "$0")/../bench/batch.py" "${@:2}" ;;
 esac
 cd "$(dirname "$0")/.."
 
