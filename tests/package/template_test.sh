@@ -28,6 +28,14 @@ configure() {
     >"$scratch/said" || fail "$1 is not configured: $(cat "$scratch/said")"
 }
 
+# check_plugin FILE: every check passes; a build without zvisp-line has none.
+check_plugin() {
+  [ -f "$1" ] || fail "$1 was not built"
+  [ -x "$prefix/bin/zvisp-line" ] || return 0
+  "$prefix/bin/zvisp-line" check-plugin --with-device "$1" >"$scratch/said" ||
+    fail "$1: $(cat "$scratch/said")"
+}
+
 # The commands of the README, with this installation in the place of /usr.
 mkdir "$scratch/empty"
 cd "$scratch/empty"
@@ -38,8 +46,7 @@ while read -r line; do
     "cp -R /usr/share/"*) sh -c "cp -R $prefix/share/${line#cp -R /usr/share/}" ;;
     "cmake -S . -B build") configure . build ;;
     "cmake --build build") $line >"$scratch/said" || fail "$(cat "$scratch/said")" ;;
-    "zvisp-line check-plugin "*)
-      [ -f "${line##* }" ] || fail "${line##* } was not built" ;;
+    "zvisp-line check-plugin --with-device "*) check_plugin "${line##* }" ;;
     *) fail "the README has another command: $line" ;;
   esac
 done <"$scratch/lines"
@@ -75,6 +82,7 @@ run 0x6 --enterispmode --comm 7
 # With a display: programs, pads, dumps.
 cp "$here/template/device_in_a_file.c" device.c
 cmake --build build >"$scratch/said" || fail "$(cat "$scratch/said")"
+check_plugin build/PlugIn/libIsp.dylib
 run 0 --isp --fw é.bin --bank 1 --comm 7
 head -c 65536 /dev/zero | cat - é.bin >expected
 head -c 31072 /dev/zero | tr '\0' '\377' >>expected
