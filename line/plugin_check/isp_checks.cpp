@@ -23,6 +23,7 @@ const Finding kNotLoaded = {CheckOutcome::kFailed,
 // What the callbacks, which have no argument for it, have seen.
 pthread_t g_thread;
 std::string g_broken_rule;
+volatile std::size_t g_length;  // volatile, so that a text's end is looked for
 
 void OnAnyThread() {
   if (pthread_equal(g_thread, pthread_self()) == 0) {
@@ -42,7 +43,7 @@ void OnMessage(wchar_t* message) {
     g_broken_rule = "the text of a message was null";
   } else {
     // A text that is not ended leads into memory that is not there.
-    static_cast<void>(std::wcslen(message));
+    g_length = std::wcslen(message);
   }
 }
 

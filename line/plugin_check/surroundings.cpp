@@ -59,9 +59,9 @@ std::vector<bool> BlockedSignals() {
   sigset_t set;
   sigemptyset(&set);
   pthread_sigmask(SIG_BLOCK, nullptr, &set);
-  std::vector<bool> blocked;
-  for (int signal = 0; signal < NSIG; ++signal) {
-    blocked.push_back(signal > 0 && sigismember(&set, signal) == 1);
+  std::vector<bool> blocked(NSIG);
+  for (int signal = 1; signal < NSIG; ++signal) {
+    blocked[static_cast<std::size_t>(signal)] = sigismember(&set, signal) == 1;
   }
   return blocked;
 }

@@ -39,7 +39,7 @@ constexpr CallOfAction kOptionalCalls[] = {
 
 std::optional<LoadProblem> FindLoadProblem(const std::string& path,
                                            const std::vector<ExportName>& names) {
-  if (const std::optional<LoadProblem> problem = LookAtLibraryFile(path)) return problem;
+  if (std::optional<LoadProblem> problem = LookAtLibraryFile(path)) return problem;
   OpenedLibrary library = OpenLibrary(CCpTransform().ConvertUTF8StringToUnicode(path).c_str());
   if (library.handle == nullptr) return ExplainLoaderReason(library.path, library.reason);
   const ExportsFound required = FindExports(library.handle, names, ExportNeed::kRequired);

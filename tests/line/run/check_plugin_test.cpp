@@ -83,7 +83,7 @@ const Fault kFaults[] = {
   {kIsp,    "load-throw",        "loads",             "signal 6 (Aborted) in loading"},
   {kIsp,    "load-exit",         "loads",             "exit status 0 in loading"},
   {kIsp,    "load-exit-at-once", "loads",             "exit status 0 in loading"},
-  {kIsp,    "load-hang",         "loads",             "not return within 0.5 seconds from loading"},
+  {kIsp,    "load-hang",         "loads",             "not return within 2 seconds from loading"},
   {kSigner, "load-crash",        "loads",             "signal 11 (Segmentation fault) in loading"},
   {kIsp,    "load-prints",       "silent-load",       "printed 'vendor library 1.0' while"},
   {kIsp,    "load-descriptor",   "load-surroundings", " is left open"},
@@ -99,7 +99,7 @@ const Fault kFaults[] = {
   {kIsp,    "dump-throw",        "empty-dump",        "signal 6 (Aborted) in DumpFlash of 0 bytes"},
   {kIsp,    "dump-exit",         "empty-dump",        "exit status 0 in DumpFlash of 0 bytes"},
   {kIsp,    "dump-exit-at-once", "empty-dump",        "exit status 0 in DumpFlash of 0 bytes"},
-  {kIsp,    "dump-hang",         "empty-dump",        "not return within 0.5 seconds from DumpFlash"},
+  {kIsp,    "dump-hang",         "empty-dump",        "not return within 2 seconds from DumpFlash"},
   {kIsp,    "any-action",        "unknown-action",    "IspFlash with action 0 returned 0"},
   {kIsp,    "empty-map",         "empty-map",         "IspFlash without a bank returned 0"},
   {kIsp,    "small-table",       "full-map",          "signal 6 (Aborted) in IspFlash with 256 banks"},
@@ -109,7 +109,7 @@ const Fault kFaults[] = {
   {kIsp,    "cuts-path",         "endless-path",      "a path of 260 units and no zero returned 0"},
   {kIsp,    "missing-file",      "missing-file",      "a file that is missing returned 0"},
   {kIsp,    "missing-file-256",  "missing-file",      "a file that is missing returned 0x100"},
-  {kIsp,    "missing-file-hang", "missing-file",      "not return within 0.5 seconds from IspFlash"},
+  {kIsp,    "missing-file-hang", "missing-file",      "not return within 2 seconds from IspFlash"},
   {kIsp,    "short-file",        "short-file",        "bank 2 of a file that has banks 0 and 1"},
   {kIsp,    "null-progress",     "callbacks-null",    "signal 11 (Segmentation fault) in DumpFlash"},
   {kIsp,    "progress-101",      "callbacks-set",     "the progress was 101 percent"},
@@ -130,7 +130,7 @@ const Fault kFaults[] = {
   {kIsp,    "call-handler",      "call-surroundings", "the handler is changed for signal 12"},
   {kIsp,    "unload-prints",     "unloads",           "printed 'good bye' while"},
   {kIsp,    "unload-crash",      "unloads",           "signal 11 (Segmentation fault) in unloading"},
-  {kIsp,    "unload-hang",       "unloads",           "not return within 0.5 seconds from unloading"},
+  {kIsp,    "unload-hang",       "unloads",           "not return within 2 seconds from unloading"},
   {kSigner, "zeros",             "sign-zeros",        "SignFwExport answered with success"},
   {kSigner, "missing-file",      "sign-missing-file", "SignFwExport answered with success"},
   {kSigner, "call-crash",        "sign-missing-file", "signal 11 (Segmentation fault) in SignFw"},
@@ -150,7 +150,7 @@ TEST_P(EveryFault, FailsInItsRowAlone) {
   const Fault& fault = GetParam();
   const bool hangs = std::string(fault.name).find("hang") != std::string::npos;
   const RunResult run = Check(TestPlugin(fault.plugin), fault.name,
-                              {"--with-device", "--timeout", hangs ? "0.5" : "20"});
+                              {"--with-device", "--timeout", hangs ? "2" : "60"});
   EXPECT_EQ(run.status, 1) << run.out << run.err;
   EXPECT_THAT(Rows(run, "failed"), ElementsAre(fault.row)) << run.out;
   EXPECT_THAT(TextOf(run, fault.row), HasSubstr(fault.text));

@@ -52,9 +52,11 @@ bool IsGoodMap(const Map& map) {
   if (map.ulCount == 0) return Has("empty-map");
   if (map.ulCount > kMapFwCapacity && !Has("trusts-count")) return false;
   if (map.ulCount == kMapFwCapacity && Has("small-table")) std::abort();
+  // By a pointer, for a sanitizer would end a plug-in that trusts the count.
+  const std::uint32_t* const targets = map.ulTargetBank;
   for (std::uint32_t i = 1; i < map.ulCount; ++i) {
-    const bool equal = map.ulTargetBank[i] == map.ulTargetBank[i - 1];
-    const bool descends = map.ulTargetBank[i] < map.ulTargetBank[i - 1];
+    const bool equal = targets[i] == targets[i - 1];
+    const bool descends = targets[i] < targets[i - 1];
     if ((equal && !Has("equal-targets")) || (descends && !Has("any-order"))) return false;
   }
   return true;
@@ -90,8 +92,9 @@ int IspFlash(Setting* setting) {
   if (!Programs(setting->enumActionType)) return kWrongAction;
   const Map& map = setting->stMapFw;
   if (!IsGoodMap(map)) return kWrongMap;
+  const STRUCT_C_STYLE_FW_BANK_SETTING* const banks = map.stBank;
   for (std::uint32_t i = 0; i < map.ulCount; ++i) {
-    const int code = CheckFile(map.stBank[i], map.ulCount == 1);
+    const int code = CheckFile(banks[i], map.ulCount == 1);
     if (code != kDone) return code;
   }
   Report(100);
