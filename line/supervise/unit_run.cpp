@@ -106,6 +106,8 @@ void UnitRun::AskHook() {
   m_hook = std::make_unique<HookProcess>();
   if (!m_hook->Start(m_request.before_words, m_request.hook_directory, "",
                      m_request.hook_timeout_ms, error)) {
+    // One that stayed would pass for the other hook, and end the unit before its record.
+    m_hook.reset();
     Refuse({kExitRefused, Outcome::kRefused, "hook", error});
   }
 }

@@ -119,6 +119,27 @@ TEST_F(UnitRunOf, AHookThatCannotBeStartedRefusesItsUnit) {
   EXPECT_THAT(end.reason, HasSubstr("./missing"));
 }
 
+// It is done when its result is on the disk, and not because a hook that never ran has ended.
+TEST_F(UnitRunOf, AHookThatCannotBeStartedDoesNotEndItsUnitBeforeTheRecord) {
+  UnitRequest request = ProgrammedUnit(3);
+  request.before_words = {"./missing"};
+  std::string error;
+  const auto journal = Journal::Open(DataDirectory(), error);
+  ASSERT_NE(journal, nullptr) << error;
+  JournalSink record(*journal);
+  Session session;
+  session.Add(record);
+  UnitRun unit(std::move(request), {session, *journal, record});
+  unit.Start();
+  unit.OnTick(MonotonicMs());
+  EXPECT_FALSE(unit.IsDone());
+  EXPECT_TRUE(WaitUntil([&unit] {
+    unit.OnRecorded();
+    return unit.IsDone();
+  }));
+  EXPECT_TRUE(unit.End().recorded);
+}
+
 TEST_F(UnitRunOf, TheInterfaceIsHeldWhileTheHookIsAsked) {
   GivenHook("may-program", "touch asked; while [ ! -e answer ]; do sleep 0.01; done\n");
   UnitRequest unit = ProgrammedUnit(3);
