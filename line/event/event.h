@@ -46,7 +46,7 @@ enum class WaitReason {
   kHook,       // a program that the job names is asked
 };
 
-// What a check of a plug-in found. A warning is no failure.
+// What a check of a plug-in found. A warning is not a failure.
 enum class CheckOutcome { kPassed, kWarning, kFailed, kNotRun };
 
 enum class Level { kInfo, kWarning, kError };

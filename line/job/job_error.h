@@ -15,7 +15,7 @@ namespace line {
 // a sentence.
 struct JobError {
   std::string id, text;
-  JobPosition position;  // zeros for what is no place of the file
+  JobPosition position;  // zeros when it is not about the file
 };
 
 using JobErrors = std::vector<JobError>;

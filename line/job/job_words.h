@@ -11,17 +11,17 @@
 
 namespace line {
 
-// {unit} and {place} replaced, once: what stands in a serial is not replaced again. Other braces
+// {unit} and {place} replaced, once: what a serial holds is not replaced again. Other braces
 // stay.
 std::string Expanded(const std::string& text, const std::string& unit, const std::string& place);
 std::vector<std::string> Expanded(std::vector<std::string> words, const std::string& unit,
                                   const std::string& place);
 
-// zvisp's words of a step, with the options of the place in front. REQUIRES: the step is no read.
+// zvisp's words of a step, with the options of the place in front. REQUIRES: the step does not read.
 std::vector<std::string> WordsOf(const JobStep& step, const JobPlace& place,
                                  const std::string& unit);
 
-// Why the serial must not stand in the step's words, in a sentence; empty when it may. Words name
+// Why the serial must not be in the step's words, in a sentence; empty when it may. Words name
 // files, and a serial must not lead to another directory.
 std::string WhyNotInWords(const JobStep& step, const std::string& unit);
 

@@ -7,7 +7,7 @@ namespace line {
 
 namespace {
 
-// Longer ones are no slip of the hand, and would cost time.
+// Longer ones are not slips of the hand, and would cost time.
 constexpr std::size_t kLongestName = 64;
 
 std::size_t Distance(std::string_view left, std::string_view right) {

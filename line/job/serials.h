@@ -30,7 +30,7 @@ struct Serials {
 Serials ReadSerials(const Job& job, const std::vector<std::string>& units,
                     const std::vector<std::string>& skipped);
 
-// Without serials: {unit} stands for the place's name. For a check of the job.
+// Without serials: {unit} is the place's name. For a check of the job.
 Serials PlacesInsteadOfSerials(const Job& job, const std::vector<std::string>& skipped);
 
 // Counts the attempts by what the record knows, and refuses serials that have passed the job

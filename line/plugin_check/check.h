@@ -35,7 +35,7 @@ struct CheckContext {
   std::string file;       // of the plug-in, an absolute path
   std::string directory;  // for files of the check's own, writable by this user alone
   bool with_device = false;
-  // To be called before every call of the plug-in: tells the parent what the call is, which is all
+  // To be called before every call of the plug-in: says to the parent what the call is, which is all
   // that it knows when the call does not return.
   std::function<void(const std::string& call)> announce;
 };

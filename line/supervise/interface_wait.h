@@ -30,7 +30,7 @@ class InterfaceWait {
   const std::string& Reason() const { return m_reason; }
   // When OnTick has something to do next; only while waiting.
   std::uint64_t NextTryMs() const { return m_next_ms; }
-  // Somebody else holds the interface, and it is worth telling the operator.
+  // Somebody else holds the interface, and so long that the operator should know.
   bool IsLong() const { return m_state == State::kWaiting && m_tries >= kShortTries; }
 
   // The open files of a lock that is taken.

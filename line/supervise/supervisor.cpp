@@ -86,7 +86,7 @@ void Supervisor::LeaveOut() {
   for (const std::size_t index : m_schedule.TakeLeftOut()) {
     UnitRun& unit = *m_units[index];
     unit.Decline(outcome, m_schedule.WhyNot());
-    // It may have a hook to tell.
+    // Its hook may have to hear of it.
     m_served.push_back({index, &unit, true});
   }
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The end of a unit: its result, the record of it, and the hook that is told.
+// The end of a unit: its result, the record of it, and the hook that gets it.
 #include <utility>
 
 #include "line/event/event_json.h"

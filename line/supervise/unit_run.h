@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // All steps of one unit at one place: its interface is held from the first step to the last, a hook
-// may refuse it before and is told afterwards, and the first step that does not pass ends it. A
+// may refuse it before, another gets the result, and the first step that does not pass ends it. A
 // unit never waits: the supervisor calls it when something has happened.
 #ifndef ZVISP_LINE_SUPERVISE_UNIT_RUN_H_
 #define ZVISP_LINE_SUPERVISE_UNIT_RUN_H_
@@ -50,7 +50,7 @@ struct UnitEnd {
   UnitState state = UnitState::kUntouched;
   bool recorded = true;      // its results are on the disk
   bool interrupted = false;  // the operator kept it, or one of its steps, from starting or ended it
-  bool hook_failed = false;  // the hook that is told
+  bool hook_failed = false;  // the hook that gets the result
   std::string failed_step, reason;
   std::uint64_t duration_ms = 0;
 };
@@ -69,7 +69,7 @@ class UnitRun {
 
   // The unit has its result, and its interface is free.
   bool HasEnded() const { return m_stage >= Stage::kRecording; }
-  // So has the hook that is told.
+  // So has the hook that gets the result.
   bool IsDone() const { return m_stage == Stage::kDone; }
   const UnitEnd& End() const { return m_end; }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What the header tells authors of plug-ins about the process that calls them.
+// What the header says to authors of plug-ins about the process that calls them.
 #include <sys/stat.h>
 
 #include "support/end_to_end.h"

@@ -18,7 +18,7 @@ PATH=$bin:$PATH
 cp -r "$example" "$work/line"
 cd "$work/line"
 
-# Commands stand after "$ ", and those that continue end in a backslash. Each is followed by its
+# Commands are after "$ ", and those that continue end in a backslash. Each is followed by its
 # status; the copy has been made above.
 # shellcheck disable=SC2016  # sed has no variables, and the shell below has them
 {

@@ -131,7 +131,7 @@ short_wide() {
 each_language short_wide
 
 # In C++ the records have operations when another header declares them first: a plug-in would load
-# nowhere. In C there is nothing to tell apart.
+# nowhere. In C there is one view of them.
 wrong_order() {
   for first in command_setting.h digital_sign_args.h; do
     printf '#include "plugin/%s"\n#include "plugin/zvisp_plugin.h"\n' "$first" >"$scratch/order"

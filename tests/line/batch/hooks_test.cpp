@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Hooks of a job, as shell scripts next to it: the one that may refuse a display, and the one that
-// is told how it ended and changes nothing.
+// gets the result and changes nothing.
 #include <string>
 #include <vector>
 

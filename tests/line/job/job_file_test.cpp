@@ -426,7 +426,7 @@ TEST(JobFileTest, NoFragmentOfAJobEndsTheReader) {
   const std::string whole = kWhole;
   for (std::size_t bytes = 0; bytes < whole.size(); ++bytes) {
     const JobReading reading = ReadJobText(whole.substr(0, bytes));
-    // Until its first place is whole, it is no job.
+    // Until its first place is whole, it is not a job.
     EXPECT_TRUE(bytes >= whole.find("comm = 1") + 8 || !reading.errors.empty()) << bytes;
   }
 }

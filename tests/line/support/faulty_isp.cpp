@@ -29,7 +29,7 @@ void Report(int percent) {
   if (g_progress != nullptr || Has("null-progress")) g_progress(percent);
 }
 
-// What a call does wrong beside its work.
+// What a call does wrong apart from its work.
 void DoWrong(Setting* setting) {
   auto* const bytes = reinterpret_cast<volatile unsigned char*>(setting);
   ChangeProcess("call");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The header's conversion of a record's path, as C and as C++ compile it. Buffers on the heap have
-// exactly the size that is told, so that a sanitizer or valgrind sees a byte too many.
+// exactly the size that is given, so that a sanitizer or valgrind sees a byte too many.
 #include <string>
 #include <string_view>
 #include <vector>
