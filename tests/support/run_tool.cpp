@@ -174,6 +174,10 @@ void StartedRun::Kill(int signal) const {
   kill(m_pid, signal);
 }
 
+std::string StartedRun::OutputSoFar() const {
+  return ReadWholeFile(m_out_path);
+}
+
 RunResult StartedRun::Wait() {
   int state = 0;
   while (waitpid(m_pid, &state, 0) < 0) {

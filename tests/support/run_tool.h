@@ -48,6 +48,9 @@ class StartedRun {
   // Waits for the end. Call it once.
   RunResult Wait();
 
+  // What it has printed on standard output so far. REQUIRES: before Wait.
+  std::string OutputSoFar() const;
+
   // Ends it with a signal; Wait() then reports how it ended.
   void Kill(int signal) const;
 

@@ -4,10 +4,8 @@
 // displays' own journals say agrees, and every state is right.
 #include <signal.h>
 
-#include <chrono>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "line/support/batch_tool.h"
@@ -162,7 +160,7 @@ TEST_F(Sixteen, TheSecondSignalEndsAllThatRun) {
   WaitForJournals(13, 16, "call n=1 ");
   ASSERT_TRUE(WaitUntil([&] { return UnitResults(m_tool.Record()).size() == 4; }));
   batch.Kill(SIGINT);
-  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  ASSERT_TRUE(WaitForOutput(batch, "Nothing new is started"));
   batch.Kill(SIGINT);
   const RunResult end = batch.Wait();
   EXPECT_EQ(end.status, 5) << end.err;

@@ -40,14 +40,17 @@ class BatchRunOf : public EngineTest {
     }
     return outcomes;
   }
-  // Signals this process as soon as a display is in its first bank, and once more `again_ms` later.
-  std::thread Signaller(unsigned comm, int again_ms = 0) const {
-    return std::thread([this, comm, again_ms] {
+  // The first signal has been taken.
+  bool WaitForStop() const {
+    return WaitUntil(
+        [this] { return Lines().find("Nothing new is started") != std::string::npos; });
+  }
+  // Signals this process as soon as a display is in its first bank.
+  std::thread Signaller(unsigned comm, bool twice = false) const {
+    return std::thread([this, comm, twice] {
       if (!m_displays.WaitForJournal(comm, "erase bank=0")) return;
       kill(getpid(), SIGINT);
-      if (again_ms == 0) return;
-      std::this_thread::sleep_for(std::chrono::milliseconds(again_ms));
-      kill(getpid(), SIGINT);
+      if (twice && WaitForStop()) kill(getpid(), SIGINT);
     });
   }
 };
@@ -146,7 +149,7 @@ TEST_F(BatchRunOf, TheFirstSignalFinishesStepsAndStartsNoOther) {
 TEST_F(BatchRunOf, TheSecondSignalEndsWhatRuns) {
   m_displays.GivenFaults(1, "hang bank=1\n");
   m_displays.GivenFaults(2, "hang bank=1\n");
-  std::thread signaller = Signaller(1, 300);
+  std::thread signaller = Signaller(1, true);
   const std::vector<UnitEnd> ends = Run(ProgrammedUnits(3));
   signaller.join();
   EXPECT_THAT(Outcomes(ends),
@@ -178,8 +181,7 @@ TEST_F(BatchRunOf, AHookIsEndedAtTheSecondSignal) {
   std::thread signaller([this] {
     WaitUntil([this] { return FileExists(m_scratch / "asked"); });
     kill(getpid(), SIGTERM);
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-    kill(getpid(), SIGTERM);
+    if (WaitForStop()) kill(getpid(), SIGTERM);
   });
   const UnitEnd end = RunOne(std::move(unit));
   signaller.join();

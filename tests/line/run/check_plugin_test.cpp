@@ -330,7 +330,11 @@ TEST_F(CheckPlugin, NothingIsCheckedWhileARunHasAnInterface) {
 
 TEST_F(CheckPlugin, ASignalEndsItAndWhatItHasStarted) {
   StartedRun check(LineOf(TestPlugin(kIsp), "load-hang", {"--timeout", "0"}));
-  usleep(300000);
+  // The lock is taken when signals are listened to.
+  const std::string lock = m_line.Tool().Elsewhere("locks") + "/comm-0";
+  ASSERT_TRUE(WaitUntil([&lock] {
+    return FileExists(lock) && ReadWholeFile(lock).find("check-plugin") != std::string::npos;
+  }));
   check.Kill(SIGINT);
   const RunResult run = check.Wait();
   EXPECT_EQ(run.status, 130) << run.out << run.err;

@@ -168,7 +168,9 @@ TEST_F(RunOf, TheSecondSignalEndsARunningCall) {
     StartedRun run(m_line.Line("run", {}, Programming(std::to_string(comm))));
     ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(comm, "erase bank=1"));
     run.Kill(signal);
-    std::this_thread::sleep_for(std::chrono::milliseconds(signal == SIGHUP ? 2100 : 50));
+    ASSERT_TRUE(WaitForOutput(run, "Nothing new is started"));
+    // Sooner, it would be the same terminal that closes.
+    if (signal == SIGHUP) std::this_thread::sleep_for(std::chrono::milliseconds(2100));
     run.Kill(signal);
     const RunResult result = run.Wait();
     EXPECT_EQ(result.signal, 0);
@@ -182,7 +184,7 @@ TEST_F(RunOf, AClosingTerminalLetsARunningCallFinish) {
   StartedRun run(m_line.Line("run", {}, Programming()));
   ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "erase bank=0"));
   run.Kill(SIGHUP);
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  ASSERT_TRUE(WaitForOutput(run, "Nothing new is started"));
   run.Kill(SIGHUP);
   ExpectResult(run.Wait(), 0, "passed", "programmed");
 }
@@ -197,7 +199,7 @@ TEST_F(RunOf, ASignalBeforeTheStartKeepsTheDisplayUntouched) {
   ASSERT_TRUE(m_line.AllDisplays().WaitForJournal(3, "call n=1"));
   for (const auto& test : kCases) {
     StartedRun run(m_line.Line("run", {"--wait", "60"}, Programming()));
-    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ASSERT_TRUE(WaitForOutput(run, "\"type\":\"wait\""));
     run.Kill(test.signal);
     const RunResult result = run.Wait();
     EXPECT_EQ(result.status, test.status) << result.out;
@@ -205,7 +207,7 @@ TEST_F(RunOf, ASignalBeforeTheStartKeepsTheDisplayUntouched) {
     EXPECT_EQ(EventOf(result.out, "unit_result"), "");
   }
   first.Kill(SIGINT);
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  ASSERT_TRUE(WaitForOutput(first, "Nothing new is started"));
   first.Kill(SIGINT);
   first.Wait();
 }

@@ -75,6 +75,10 @@ bool WaitUntil(const std::function<bool()>& is_so) {
   return false;
 }
 
+bool WaitForOutput(const StartedRun& run, const std::string& text) {
+  return WaitUntil([&] { return run.OutputSoFar().find(text) != std::string::npos; });
+}
+
 std::vector<std::string> EventsOf(const std::string& json_lines, const std::string& type) {
   KeepForSchema(json_lines);
   std::vector<std::string> events;

@@ -49,6 +49,10 @@ class LineTool {
 // Asks again and again; false when it is not so within half a minute.
 bool WaitUntil(const std::function<bool()>& is_so);
 
+// Waits until a run has printed a text on standard output; false when it has not within half a
+// minute.
+bool WaitForOutput(const StartedRun& run, const std::string& text);
+
 // The lines of JSON Lines that have this type.
 std::vector<std::string> EventsOf(const std::string& json_lines, const std::string& type);
 // The only one; empty when there is none, or more than one.
