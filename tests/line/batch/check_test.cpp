@@ -5,6 +5,7 @@
 #include <string>
 
 #include "line/support/batch_tool.h"
+#include "line/support/replaced.h"
 #include "support/files.h"
 
 #include <gmock/gmock.h>
@@ -40,12 +41,6 @@ comm = 1
 name = "A2"
 comm = 2
 )";
-
-std::string Replaced(std::string text, const std::string& what, const std::string& by) {
-  const std::size_t at = text.find(what);
-  EXPECT_NE(at, std::string::npos) << what;
-  return text.replace(at, what.size(), by);
-}
 
 class CheckTest : public testing::Test {
  protected:

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
 // A batch as the printers for people print it, byte for byte.
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "event/batch_events.h"
+#include "event/printed_by.h"
 #include "line/event/event_text.h"
 #include "line/event/line_printers.h"
 
@@ -18,17 +18,6 @@ namespace {
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
-
-struct Printed {
-  std::string out, err;
-};
-
-Printed PrintedBy(const std::function<void()>& work) {
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  work();
-  return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
-}
 
 void Play(Printer& printer, const std::vector<Event>& events) {
   for (const Event& event : events)

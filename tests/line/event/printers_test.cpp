@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
 // The printers for people, byte for byte.
-#include <functional>
 #include <string>
 
 #include "event/events.h"
+#include "event/printed_by.h"
 #include "line/event/line_printers.h"
 
 #include <gmock/gmock.h>
@@ -12,17 +12,6 @@
 
 namespace line {
 namespace {
-
-struct Printed {
-  std::string out, err;
-};
-
-Printed PrintedBy(const std::function<void()>& work) {
-  testing::internal::CaptureStdout();
-  testing::internal::CaptureStderr();
-  work();
-  return {testing::internal::GetCapturedStdout(), testing::internal::GetCapturedStderr()};
-}
 
 void PlayRun(Printer& printer) {
   printer.Take(At(0, HelloEvent{}));

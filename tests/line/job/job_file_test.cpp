@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "line/support/replaced.h"
 #include "support/files.h"
 #include "support/scratch_dir.h"
 
@@ -64,12 +65,6 @@ slave = 0x6E
 name = "A2"
 comm = 2
 )";
-
-std::string Replaced(std::string text, const std::string& what, const std::string& by) {
-  const std::size_t at = text.find(what);
-  EXPECT_NE(at, std::string::npos) << what;
-  return text.replace(at, what.size(), by);
-}
 
 // "LINE:COLUMN: sentence" of each error.
 std::vector<std::string> ErrorsOf(const std::string& text) {
