@@ -6,10 +6,10 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 
 #include "line/command/commands.h"
+#include "line/command/paths.h"
+#include "line/command/units_status.h"
 #include "line/event/screen_text.h"
 #include "line/plugin_check/plugin_check.h"
 
@@ -18,8 +18,6 @@ namespace line {
 namespace {
 
 constexpr double kUsualSeconds = 10;
-// The statuses of the operator's signals are those of a shell.
-constexpr int kSignalBase = 128;
 
 ExitStatus Refuse(Session& session, std::string id, std::string text) {
   session.Emit({}, ErrorEvent{std::move(id), std::move(text), "", {}, {}});
@@ -58,15 +56,14 @@ ExitStatus RunCheckPlugin(const Options& options, Session& session) {
   }
   const std::string unreadable = WhyUnreadable(options.plugin_file);
   if (!unreadable.empty()) return Refuse(session, "file", unreadable);
-  std::error_code failure;
   PluginCheckOptions wanted;
   // By a bare name, the loader would look in its own directories.
-  wanted.file = std::filesystem::absolute(options.plugin_file, failure).string();
+  wanted.file = AbsolutePath(options.plugin_file);
   wanted.with_device = options.with_device;
   wanted.timeout_ms = static_cast<std::uint64_t>(options.timeout_s.value_or(kUsualSeconds) * 1000);
   const PluginCheckEnd end =
       CheckPlugin(wanted, [&session](const CheckEvent& row) { session.Emit({}, EventBody(row)); });
-  if (end.stop_signal != 0) return static_cast<ExitStatus>(kSignalBase + end.stop_signal);
+  if (end.stop_signal != 0) return StatusOfSignal(end.stop_signal);
   if (!end.is_complete) return Refuse(session, end.error_id, end.error);
   session.Emit({}, end.summary);
   return StatusOf(end);

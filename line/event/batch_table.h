@@ -23,7 +23,7 @@ struct BatchEnd {
 
 class BatchTable {
  public:
-  explicit BatchTable(std::vector<BatchUnit> units) : m_rows(units.begin(), units.end()) {}
+  explicit BatchTable(const std::vector<BatchUnit>& units) : m_rows(units.begin(), units.end()) {}
 
   // False when the event is not about a place of this batch.
   bool Follow(const Event& event);

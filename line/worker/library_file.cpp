@@ -54,6 +54,18 @@ constexpr const char* kOwnFormatName = "an ELF";
 constexpr const char* kOwnMachine = "x86-64";
 #elif defined(__aarch64__)
 constexpr const char* kOwnMachine = "arm64";
+#elif defined(__riscv)
+constexpr const char* kOwnMachine = "RISC-V";
+#elif defined(__powerpc64__)
+constexpr const char* kOwnMachine = "ppc64";
+#elif defined(__s390x__)
+constexpr const char* kOwnMachine = "s390x";
+#elif defined(__arm__)
+constexpr const char* kOwnMachine = "ARM (32 bits)";
+#elif defined(__i386__)
+constexpr const char* kOwnMachine = "i386";
+#else
+#error "Name this machine here and in kMachines."
 #endif
 
 constexpr std::uint32_t kElfSharedObject = 3;
@@ -126,10 +138,7 @@ std::optional<Look> LookAtFat(std::string_view bytes) {
 }
 
 std::optional<Look> LookAtBytes(std::string_view bytes) {
-  if (bytes.substr(0, 4) ==
-      "\x7F"
-      "ELF")
-    return LookAtElf(bytes);
+  if (bytes.starts_with("\177ELF")) return LookAtElf(bytes);
   switch (Bytes(bytes, true).Number(0, 4)) {
     case 0xFEEDFACE:
     case 0xFEEDFACF:
