@@ -117,7 +117,8 @@ void HookProcess::End(std::uint64_t now_ms, std::string reason) {
 }
 
 void HookProcess::OnTick(std::uint64_t now_ms) {
-  if (m_timeout_ms != 0 && now_ms - m_started_ms >= m_timeout_ms) {
+  // A tick may be older than a start that it has caused, so nothing is subtracted.
+  if (m_timeout_ms != 0 && now_ms >= m_started_ms + m_timeout_ms) {
     End(now_ms, "did not end within " + TimeOutText(m_timeout_ms));
   }
   if (m_kill_at_ms != 0 && now_ms >= m_kill_at_ms) m_process.Signal(SIGKILL);

@@ -211,8 +211,10 @@ void StepRun::EndWorker(Outcome why, std::uint64_t now_ms) {
 
 void StepRun::OnTick(std::uint64_t now_ms) {
   if (Runs()) ReportOutput(false);
+  // A tick may be older than a start that it has caused, so nothing is subtracted.
   if (m_request.timeout_s && *m_request.timeout_s > 0 &&
-      static_cast<double>(now_ms - m_started_ms) >= *m_request.timeout_s * 1000) {
+      static_cast<double>(now_ms) >=
+          static_cast<double>(m_started_ms) + *m_request.timeout_s * 1000) {
     EndWorker(Outcome::kTimedOut, now_ms);
   }
   if (m_kill_at_ms != 0 && now_ms >= m_kill_at_ms) m_worker.Signal(SIGKILL);

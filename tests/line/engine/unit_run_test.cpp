@@ -154,6 +154,26 @@ TEST_F(UnitRunOf, TheInterfaceIsHeldWhileTheHookIsAsked) {
   GivenFile(m_scratch / "answer", "");
 }
 
+// The tick that takes a free interface starts the step, too.
+TEST_F(UnitRunOf, AWaitForTheInterfaceEndsInNoTimeOut) {
+  std::vector<pid_t> holders;
+  std::vector<UnitRequest> units;
+  for (unsigned comm = 1; comm <= 6; ++comm) {
+    m_displays.GivenFaults(comm, "slow call=1 ms=200\n");
+    holders.push_back(RunElsewhere(ProgrammedUnit(comm)));
+    ASSERT_TRUE(m_displays.WaitForJournal(comm, "call n=1"));
+    UnitRequest unit = ProgrammedUnit(comm);
+    unit.wait_ms = 60000;
+    unit.steps.front().timeout_s = 60;
+    units.push_back(std::move(unit));
+  }
+  for (const UnitEnd& end : Run(std::move(units)))
+    EXPECT_EQ(end.outcome, Outcome::kPassed);
+  EXPECT_EQ(EventsOf(Lines(), "wait").size(), 6u);
+  for (const pid_t holder : holders)
+    EXPECT_EQ(waitpid(holder, nullptr, 0), holder);
+}
+
 TEST_F(UnitRunOf, TheOtherHookGetsTheResult) {
   GivenHook("to-mes", "cat > told\n");
   UnitRequest unit = ProgrammedUnit(3);

@@ -113,6 +113,16 @@ TEST_F(Hook, ThatIsKilledIsReportedWithTheSignal) {
               AllOf(HasSubstr("./hook was ended by signal 9 (Killed"), EndsWith("): dying")));
 }
 
+TEST_F(Hook, ATickThatIsOlderThanItsStartEndsNothing) {
+  GivenScript("#!/bin/sh\nexit 0\n");
+  const std::uint64_t before = MonotonicMs();
+  std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  ASSERT_TRUE(Start({"./hook"})) << m_error;
+  m_hook.OnTick(before);
+  WaitForEnd();
+  EXPECT_EQ(m_hook.Complaint(), "");
+}
+
 TEST_F(Hook, ThatHangsIsEndedWhenItsTimeIsOver) {
   const StopWatch watch;
   EXPECT_EQ(Run("echo waiting; sleep 100", "", 300), "./hook did not end within 300 ms: waiting");
