@@ -159,12 +159,15 @@ TEST_F(BatchRunOf, TheSecondSignalEndsWhatRuns) {
 }
 
 TEST_F(BatchRunOf, AHookIsLeftToFinishAtTheFirstSignalAndItsUnitIsNotStarted) {
-  GivenHook("may-program", "touch asked; sleep 0.3; touch answered\n");
+  GivenHook("may-program",
+            "touch asked; while [ ! -e continue ]; do sleep 0.01; done; touch answered\n");
   UnitRequest unit = ProgrammedUnit(3);
   unit.before_words = {"./may-program"};
   std::thread signaller([this] {
     WaitUntil([this] { return FileExists(m_scratch / "asked"); });
     kill(getpid(), SIGTERM);
+    WaitForStop();
+    GivenFile(m_scratch / "continue", "");
   });
   const UnitEnd end = RunOne(std::move(unit));
   signaller.join();
