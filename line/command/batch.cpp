@@ -185,8 +185,9 @@ std::vector<UnitRequest> BatchCommand::Requests() {
                             m_data,
                             static_cast<std::uint64_t>(m_options.wait_s * 1000)};
   std::vector<UnitRequest> requests;
-  for (JudgedUnit& unit : m_judged.Units())
+  for (JudgedUnit& unit : m_judged.Units()) {
     requests.push_back(units.RequestFor(unit));
+  }
   return requests;
 }
 

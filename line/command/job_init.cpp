@@ -92,8 +92,9 @@ class JobInit {
 
 // The text is not yet written, so nobody could look up a line of it.
 ExitStatus JobInit::Refuse(JobErrors errors) {
-  for (JobError& error : errors)
+  for (JobError& error : errors) {
     error.position = {};
+  }
   m_judged.Report(errors);
   return errors.empty() ? kExitPassed : kExitRefused;
 }
@@ -150,8 +151,9 @@ bool JobInit::AddPlaces(JobErrors& errors) {
                       {}});
     return false;
   }
-  for (const std::string& place : m_options.places)
+  for (const std::string& place : m_options.places) {
     AddPlace(place, errors);
+  }
   if (m_options.places.empty()) AddPlace("A1=" + (comm == nullptr ? "1" : *comm), errors);
   const std::string* const slave = m_scan.ValueOf("slave");
   for (JobPlace& place : m_job.places) {

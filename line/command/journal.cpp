@@ -88,10 +88,12 @@ ExitStatus RunJournalShow(const Options& options, Session& session) {
 ExitStatus RunJournalDoctor(const Options& options, Session& session) {
   if (IsMissing(options, session)) return kExitUnavailable;
   const DoctorReport report = Examine(DataDirectory(options.data), IsInterfaceFree);
-  for (const SkippedLine& line : report.skipped)
+  for (const SkippedLine& line : report.skipped) {
     ReportSkipped(session, line);
-  for (const Doubt& doubt : report.doubts)
+  }
+  for (const Doubt& doubt : report.doubts) {
     session.Emit(doubt.where, doubt.finding);
+  }
   // What cannot be read may name more displays than these.
   if (!report.failure.empty()) Fail(session, kExitUnavailable, "record", report.failure);
   if (!report.doubts.empty()) return kExitUncertain;

@@ -53,8 +53,9 @@ bool IsSame(const Refusal& left, const Refusal& right) {
 }  // namespace
 
 void JudgedJob::Report(const JobErrors& errors) {
-  for (const JobError& error : errors)
+  for (const JobError& error : errors) {
     m_session.Emit({}, At(error.position, error.id, error.text));
+  }
 }
 
 ErrorEvent JudgedJob::At(JobPosition position, const std::string& id,
@@ -110,12 +111,14 @@ void JudgedJob::ReportOf(std::size_t step) {
 }
 
 ExitStatus JudgedJob::Judge(const std::vector<UnitAtPlace>& units) {
-  for (const std::string& range : m_job.ignore)
+  for (const std::string& range : m_job.ignore) {
     m_ignored.push_back(*ParseAddressRange(range));
+  }
   std::vector<std::vector<std::string>> words;
   for (const UnitAtPlace& unit : units) {
-    for (const JobStep& step : m_job.steps)
+    for (const JobStep& step : m_job.steps) {
       words.push_back(WordsFor(step, m_job.places[unit.place], unit.unit));
+    }
   }
   std::string error;
   std::optional<std::vector<JudgedWords>> judged = JudgeInWorker(words, error);
@@ -126,11 +129,13 @@ ExitStatus JudgedJob::Judge(const std::vector<UnitAtPlace>& units) {
   std::size_t next = 0;
   for (const UnitAtPlace& unit : units) {
     m_units.push_back({unit, {}});
-    for (std::size_t step = 0; step < m_job.steps.size(); ++step, ++next)
+    for (std::size_t step = 0; step < m_job.steps.size(); ++step, ++next) {
       m_units.back().steps.push_back({ScanOptions(words[next]), std::move((*judged)[next])});
+    }
   }
-  for (std::size_t step = 0; step < m_job.steps.size(); ++step)
+  for (std::size_t step = 0; step < m_job.steps.size(); ++step) {
     ReportOf(step);
+  }
   return m_is_approved ? kExitPassed : kExitRefused;
 }
 
@@ -138,8 +143,9 @@ UsedFiles JudgedJob::Files() const {
   UsedFiles files;
   for (std::size_t step = 0; step < m_job.steps.size(); ++step) {
     for (const JudgedUnit& unit : m_units) {
-      for (const std::string& file : FilesOf(unit.steps[step].words))
+      for (const std::string& file : FilesOf(unit.steps[step].words)) {
         files.try_emplace(file, m_job.steps[step].position);
+      }
     }
   }
   return files;
@@ -147,8 +153,9 @@ UsedFiles JudgedJob::Files() const {
 
 bool JudgedJob::EmitPlansOf(std::size_t step, std::string& error) {
   std::vector<std::string> written;
-  for (const JudgedUnit& unit : m_units)
+  for (const JudgedUnit& unit : m_units) {
     written.push_back(WhatIsWritten(unit.steps[step].words));
+  }
   const bool are_same =
       std::all_of(written.begin(), written.end(),
                   [&written](const std::string& one) { return one == written[0]; });

@@ -76,12 +76,14 @@ Json BankJson(const PlannedBank& bank) {
 const char* PutBody(Json& json, const PlanEvent& plan) {
   json["action"] = plan.action;
   json["files"] = Json::array();
-  for (const PlannedFile& file : plan.files)
+  for (const PlannedFile& file : plan.files) {
     json["files"].push_back(FileJson(file));
+  }
   // The record keeps a plan without its banks, and then has no such field either.
   if (!plan.banks.empty()) json["banks"] = Json::array();
-  for (const PlannedBank& bank : plan.banks)
+  for (const PlannedBank& bank : plan.banks) {
     json["banks"].push_back(BankJson(bank));
+  }
   json["warnings"] = Json::array();
   for (const Warning& warning : plan.warnings) {
     json["warnings"].push_back({{"id", warning.id}, {"text", warning.text}});

@@ -110,8 +110,9 @@ Lines Say(const Event& event, const PlanEvent& plan) {
   if (event.where.run.empty()) {
     const bool is_of_job = !event.where.job_name.empty();
     if (is_of_job) lines.push_back({true, Tone::kPlain, StepTitle(event.where)});
-    for (const std::string& text : PlanLines(plan))
+    for (const std::string& text : PlanLines(plan)) {
       lines.push_back({true, Tone::kPlain, text});
+    }
     if (is_of_job) lines.push_back({true, Tone::kPlain, ""});
   }
   for (const Warning& warning : plan.warnings) {

@@ -59,8 +59,9 @@ std::string Count(std::uint64_t count, const char* one, const char* many) {
 
 std::string Totals(const PlanEvent& plan) {
   std::uint64_t bytes = 0;
-  for (const PlannedBank& bank : plan.banks)
+  for (const PlannedBank& bank : plan.banks) {
     bytes += bank.bytes;
+  }
   return Count(plan.banks.size(), "bank", "banks") + ", " + Count(bytes, "byte", "bytes") +
          ", from " + Count(plan.files.size(), "file", "files") + ".";
 }

@@ -25,8 +25,9 @@ class QuietPrinter : public Printer {
  public:
   void Take(const Event& event) override {
     if (!std::holds_alternative<ErrorEvent>(event.body)) return;
-    for (const TextLine& line : LinesOf(event))
+    for (const TextLine& line : LinesOf(event)) {
       WriteText(stderr, line.text + "\n");
+    }
   }
 };
 

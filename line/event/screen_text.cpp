@@ -43,8 +43,9 @@ void AppendCharacter(std::string& out, char32_t character) {
   const int more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
   constexpr std::uint8_t kFirst[] = {0, 0xC0, 0xE0, 0xF0};
   out += static_cast<char>(kFirst[more] | (character >> (6 * more)));
-  for (int i = more - 1; i >= 0; --i)
+  for (int i = more - 1; i >= 0; --i) {
     out += static_cast<char>(0x80 | ((character >> (6 * i)) & 0x3F));
+  }
 }
 
 // Leaves out "ESC [ ... letter"; of any other sequence, the escape and the next byte.
@@ -118,8 +119,9 @@ std::vector<std::string> CleanLines(std::string_view text) {
 
 std::size_t Columns(std::string_view text) {
   std::size_t columns = 0;
-  while (!text.empty())
+  while (!text.empty()) {
     columns += ColumnsOf(TakeCharacter(text));
+  }
   return columns;
 }
 

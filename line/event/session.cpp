@@ -23,11 +23,13 @@ std::array<std::uint8_t, 16> UuidBytes() {
   std::array<std::uint8_t, 16> bytes = {};
   // From the system, because many hosts make such numbers in the same millisecond.
   std::random_device random;
-  for (std::size_t i = 6; i < bytes.size(); ++i)
+  for (std::size_t i = 6; i < bytes.size(); ++i) {
     bytes[i] = static_cast<std::uint8_t>(random());
+  }
   const auto now = static_cast<std::uint64_t>(NowMs());
-  for (std::size_t i = 0; i < 6; ++i)
+  for (std::size_t i = 0; i < 6; ++i) {
     bytes[i] = static_cast<std::uint8_t>(now >> (40 - 8 * i));
+  }
   bytes[6] = static_cast<std::uint8_t>(0x70 | (bytes[6] & 0x0F));
   bytes[8] = static_cast<std::uint8_t>(0x80 | (bytes[8] & 0x3F));
   return bytes;
@@ -56,8 +58,9 @@ std::uint64_t MonotonicMs() {
 
 void Session::Emit(const Where& where, EventBody body) {
   const Event event = {NowMs(), MonotonicMs(), m_id, m_next_seq++, where, std::move(body)};
-  for (EventSink* const sink : m_sinks)
+  for (EventSink* const sink : m_sinks) {
     sink->Take(event);
+  }
 }
 
 void Session::Tick(std::uint64_t mono_ms) {

@@ -141,8 +141,9 @@ std::string TerminalPrinter::Erased() {
   // Line by line: when all of the screen is erased at once, some terminals save it in their
   // history, ten times a second.
   text += "\x1b[K";
-  while (--lines > 0)
+  while (--lines > 0) {
     text += "\x1b[A\x1b[K";
+  }
   return text;
 }
 

@@ -209,8 +209,9 @@ constexpr Section kSections[] = {
 
 std::vector<std::string> SectionNames() {
   std::vector<std::string> names;
-  for (const Section& section : kSections)
+  for (const Section& section : kSections) {
     names.emplace_back(section.name);
+  }
   return names;
 }
 
@@ -249,8 +250,9 @@ JobReading CannotRead(const std::string& path) {
 template <class Target, std::size_t kCount>
 void AddNames(const std::string& owner, const JobKey<Target> (&keys)[kCount],
               std::vector<std::string>& names) {
-  for (const JobKey<Target>& key : keys)
+  for (const JobKey<Target>& key : keys) {
     names.push_back(owner + "." + std::string(key.name));
+  }
 }
 
 }  // namespace

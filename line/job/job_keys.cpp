@@ -78,8 +78,9 @@ JobError UnknownKey(const TomlMember& key, std::string_view owner,
     text += "did you mean " + Quoted(nearest) + "?";
   } else {
     text += names.size() == 1 ? "the only one is" : "its keys are";
-    for (std::size_t i = 0; i < names.size(); ++i)
+    for (std::size_t i = 0; i < names.size(); ++i) {
       text += (i == 0 ? " " : ", ") + names[i];
+    }
     text += ".";
   }
   return {"unknown-key", text, key.position};

@@ -57,8 +57,9 @@ JobError UnknownKey(const TomlMember& key, std::string_view owner,
 template <class Target>
 std::vector<std::string> NamesOf(std::span<const JobKey<Target>> keys) {
   std::vector<std::string> names;
-  for (const JobKey<Target>& key : keys)
+  for (const JobKey<Target>& key : keys) {
     names.emplace_back(key.name);
+  }
   return names;
 }
 

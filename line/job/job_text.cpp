@@ -154,10 +154,12 @@ std::string TomlText(const std::string& text) {
 std::string JobText(const Job& job, const std::string& file) {
   std::string text = HeadText(job, file) + UnitText(job) + LineText(job.line) + FirmwareText(job) +
                      PluginText(job);
-  for (const JobStep& step : job.steps)
+  for (const JobStep& step : job.steps) {
     text += StepText(step);
-  for (const JobPlace& place : job.places)
+  }
+  for (const JobPlace& place : job.places) {
     text += PlaceText(place);
+  }
   return text;
 }
 

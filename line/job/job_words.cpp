@@ -32,8 +32,9 @@ std::string Expanded(const std::string& text, const std::string& unit, const std
 
 std::vector<std::string> Expanded(std::vector<std::string> words, const std::string& unit,
                                   const std::string& place) {
-  for (std::string& word : words)
+  for (std::string& word : words) {
     word = Expanded(word, unit, place);
+  }
   return words;
 }
 

@@ -23,8 +23,9 @@ void AddOnce(const std::string& path, std::vector<std::string>& files) {
 // A file has an entry for each of its banks.
 std::set<std::wstring> BankFiles(const STRUCT_C_STYLE_MAP_FW& map) {
   std::set<std::wstring> paths;
-  for (std::uint32_t i = 0; i < map.ulCount; ++i)
+  for (std::uint32_t i = 0; i < map.ulCount; ++i) {
     paths.insert(map.stBank[i].wszPath);
+  }
   return paths;
 }
 

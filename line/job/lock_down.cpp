@@ -125,8 +125,9 @@ JobErrors CheckHookPrograms(const Job& job) {
 LockDown CheckLockDown(const Job& job, const UsedFiles& used,
                        const std::function<std::string(const std::string&)>& path_of) {
   Check check(used, path_of);
-  for (const JobFirmware& row : job.firmware)
+  for (const JobFirmware& row : job.firmware) {
     check.Row(row);
+  }
   check.RefuseUnlisted();
   return check.Take();
 }

@@ -13,8 +13,9 @@ constexpr std::size_t kLongestName = 64;
 std::size_t Distance(std::string_view left, std::string_view right) {
   using Row = std::vector<std::size_t>;
   Row before_last, last(right.size() + 1), current(right.size() + 1);
-  for (std::size_t j = 0; j <= right.size(); ++j)
+  for (std::size_t j = 0; j <= right.size(); ++j) {
     last[j] = j;
+  }
   for (std::size_t i = 1; i <= left.size(); ++i) {
     current[0] = i;
     for (std::size_t j = 1; j <= right.size(); ++j) {

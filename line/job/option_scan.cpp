@@ -50,8 +50,9 @@ class Pass {
  public:
   explicit Pass(const std::vector<std::string>& words) : m_words(words) {
     m_pointers.push_back(m_program.data());
-    for (std::string& word : m_words)
+    for (std::string& word : m_words) {
       m_pointers.push_back(word.data());
+    }
     m_scanner.AddShortCmds(":");  // without diagnostics
     for (const zvisp::OptionRow& row : zvisp::kOptions) {
       m_scanner.AddLongCmd(row.name, row.argument, nullptr, row.value);
@@ -59,8 +60,9 @@ class Pass {
   }
 
   OptionScan Run() {
-    while (Index() < m_pointers.size())
+    while (Index() < m_pointers.size()) {
       Step();
+    }
     return std::move(m_scan);
   }
 

@@ -140,10 +140,12 @@ Serials Reading::Take(bool by_place) {
 Serials ReadSerials(const Job& job, const std::vector<std::string>& units,
                     const std::vector<std::string>& skipped) {
   Reading reading(job);
-  for (const std::string& place : skipped)
+  for (const std::string& place : skipped) {
     reading.Skip(place);
-  for (const std::string& unit : units)
+  }
+  for (const std::string& unit : units) {
     reading.Give(unit);
+  }
   reading.RequireAll();
   reading.RefuseDoubled();
   return reading.Take(false);
@@ -151,15 +153,17 @@ Serials ReadSerials(const Job& job, const std::vector<std::string>& units,
 
 Serials PlacesInsteadOfSerials(const Job& job, const std::vector<std::string>& skipped) {
   Reading reading(job);
-  for (const std::string& place : skipped)
+  for (const std::string& place : skipped) {
     reading.Skip(place);
+  }
   return reading.Take(true);
 }
 
 void AskRecord(const Job& job, const std::string& data_directory, Serials& serials) {
   std::vector<std::string> units;
-  for (const UnitAtPlace& one : serials.units)
+  for (const UnitAtPlace& one : serials.units) {
     units.push_back(one.unit);
+  }
   const std::vector<UnitHistory> histories = HistoriesOf(data_directory, units, job.name);
   for (std::size_t i = 0; i < units.size(); ++i) {
     serials.units[i].attempt = histories[i].attempts + 1;

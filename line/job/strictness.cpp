@@ -192,8 +192,9 @@ std::vector<Refusal> FindRefusals(const OptionScan& scan, const JudgedWords& jud
                                   const Strictness& strictness) {
   std::vector<Refusal> refusals = scan.refusals;
   const Question question = {scan, judged, strictness, refusals};
-  for (const Rule rule : kRules)
+  for (const Rule rule : kRules) {
     rule(question);
+  }
   RefuseChangedValues(scan, judged, refusals);
   return refusals;
 }

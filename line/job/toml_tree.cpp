@@ -64,8 +64,9 @@ TomlValue Converted(const toml::table& table) {
 TomlValue Converted(const toml::array& array) {
   TomlValue value;
   value.kind = TomlValue::Kind::kList;
-  for (const toml::node& node : array)
+  for (const toml::node& node : array) {
     value.items.push_back(Converted(node));
+  }
   return value;
 }
 

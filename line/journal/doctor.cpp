@@ -108,8 +108,9 @@ bool Examination::IsUnderWay(const TouchedRun& run,
 // for them.
 void AddPercentages(const std::string& data_directory, std::vector<Doubt>& doubts) {
   std::map<std::string, FindingEvent*> by_run;
-  for (Doubt& doubt : doubts)
+  for (Doubt& doubt : doubts) {
     by_run[doubt.where.run] = &doubt.finding;
+  }
   if (by_run.empty()) return;
   ForEachRecordLine(data_directory, [&by_run](const RecordLine& line) {
     if (TypeOfLine(line.text.empty() ? "{" : line.text) != "progress") return;
@@ -130,8 +131,9 @@ DoctorReport Examination::Report(const std::string& data_directory,
   }
   std::sort(doubts.begin(), doubts.end(),
             [](const auto& left, const auto& right) { return left.first < right.first; });
-  for (auto& [order, doubt] : doubts)
+  for (auto& [order, doubt] : doubts) {
     m_report.doubts.push_back(std::move(doubt));
+  }
   AddPercentages(data_directory, m_report.doubts);
   return std::move(m_report);
 }

@@ -96,8 +96,9 @@ class Index {
         m_files(FilesOf(m_data_directory)),
         m_job(HashOf(job_name)),
         m_any_job(job_name.empty()) {
-    for (const std::string& unit : units)
+    for (const std::string& unit : units) {
       m_units[HashOf(unit)];
+    }
   }
 
   void Ask();
@@ -197,8 +198,9 @@ void Index::Ask() {
   std::vector<Entry> entries;
   if (!is_whole) {
     m_covered.clear();
-    for (auto& [hash, unit] : m_units)
+    for (auto& [hash, unit] : m_units) {
       unit = {};
+    }
     entries.push_back(kFormat);
     if (may_write) static_cast<void>(ftruncate(file.Number(), 0) == 0);
   }
@@ -227,8 +229,9 @@ std::vector<UnitHistory> HistoriesOf(const std::string& data_directory,
   index.Ask();
   std::vector<UnitHistory> histories;
   histories.reserve(units.size());
-  for (const std::string& unit : units)
+  for (const std::string& unit : units) {
     histories.push_back(index.HistoryOf(unit));
+  }
   return histories;
 }
 

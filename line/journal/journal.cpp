@@ -175,8 +175,9 @@ void Journal::Writer::Work() {
     // One batch for each run of lines of a day: a flush serves all of them.
     for (auto first = queue.begin(); first != queue.end();) {
       auto last = first;
-      while (last != queue.end() && last->day == first->day)
+      while (last != queue.end() && last->day == first->day) {
         ++last;
+      }
       WriteBatch({first, last});
       first = last;
     }

@@ -47,12 +47,15 @@ constexpr std::string Args::*kTexts[] = {
 
 template <typename Archive>
 void ArgsFields(Archive& archive, Args& args) {
-  for (const auto field : kWords)
+  for (const auto field : kWords) {
     archive(args.*field);
-  for (const auto field : kNumbers)
+  }
+  for (const auto field : kNumbers) {
     archive(args.*field);
-  for (const auto field : kTexts)
+  }
+  for (const auto field : kTexts) {
     archive(args.*field);
+  }
 }
 
 struct WireSlot {
