@@ -46,11 +46,9 @@ class BatchRunOf : public EngineTest {
         [this] { return Lines().find("Nothing new is started") != std::string::npos; });
   }
   // Signals this process as soon as a display is in its first bank.
-  std::thread Signaller(unsigned comm, bool twice = false) const {
-    return std::thread([this, comm, twice] {
-      if (!m_displays.WaitForJournal(comm, "erase bank=0")) return;
-      kill(getpid(), SIGINT);
-      if (twice && WaitForStop()) kill(getpid(), SIGINT);
+  std::thread Signaller(unsigned comm) const {
+    return std::thread([this, comm] {
+      if (m_displays.WaitForJournal(comm, "erase bank=0")) kill(getpid(), SIGINT);
     });
   }
 };
@@ -149,7 +147,15 @@ TEST_F(BatchRunOf, TheFirstSignalFinishesStepsAndStartsNoOther) {
 TEST_F(BatchRunOf, TheSecondSignalEndsWhatRuns) {
   m_displays.GivenFaults(1, "hang bank=1\n");
   m_displays.GivenFaults(2, "hang bank=1\n");
-  std::thread signaller = Signaller(1, true);
+  // The third one has passed, and the others hang.
+  std::thread signaller([this] {
+    for (const unsigned comm : {1u, 2u}) {
+      if (!m_displays.WaitForJournal(comm, "verify bank=0")) return;
+    }
+    WaitUntil([this] { return !EventOf(Lines(), "unit_result").empty(); });
+    kill(getpid(), SIGINT);
+    if (WaitForStop()) kill(getpid(), SIGINT);
+  });
   const std::vector<UnitEnd> ends = Run(ProgrammedUnits(3));
   signaller.join();
   EXPECT_THAT(Outcomes(ends),
