@@ -82,8 +82,9 @@ Lines Say(const Event& event, const ResultEvent& result) {
   if (result.outcome != Outcome::kPassed && result.last_percent) {
     text += ", last at " + std::to_string(*result.last_percent) + " %";
   }
-  if (result.compared_bytes)
+  if (result.compared_bytes) {
     text += ", " + std::to_string(*result.compared_bytes) + " bytes compared";
+  }
   if (result.difference) text += DifferenceText(*result.difference);
   return {{false, ToneOf(result.outcome), text}};
 }

@@ -29,14 +29,18 @@ inline Finding Warned(std::string text) {
 inline Finding Failed(std::string text) {
   return {CheckOutcome::kFailed, std::move(text)};
 }
+// Of a library that the check before could load.
+inline Finding NotLoaded() {
+  return Failed("It did not load as it did before: look for what changes between two loads.");
+}
 
 // What a check works with, in its own process.
 struct CheckContext {
   std::string file;       // of the plug-in, an absolute path
   std::string directory;  // for files of the check's own, writable by this user alone
   bool with_device = false;
-  // To be called before every call of the plug-in: says to the parent what the call is, which is all
-  // that it knows when the call does not return.
+  // To be called before every call of the plug-in: says to the parent what the call is, which is
+  // all that it knows when the call does not return.
   std::function<void(const std::string& call)> announce;
 };
 

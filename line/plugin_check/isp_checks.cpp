@@ -9,16 +9,13 @@
 #include "line/plugin_check/isp_calls.h"
 #include "line/plugin_check/surroundings.h"
 #include "line/worker/library_file.h"
+#include "plugin/digital_sign_args.h"
 
 namespace line::checks {
 
 namespace {
 
 using Setting = IspRecord::Setting;
-
-const Finding kNotLoaded = {CheckOutcome::kFailed,
-                            "It did not load as it did before: look for what changes between two "
-                            "loads."};
 
 // What the callbacks, which have no argument for it, have seen.
 pthread_t g_thread;
@@ -78,7 +75,7 @@ void Keep(Finding& finding, Finding other) {
 
 Finding NullCallbacks(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return kNotLoaded;
+  if (!LoadIsp(context, isp)) return NotLoaded();
   context.announce("SetUIFunction with null callbacks");
   isp.SetUIFunction(nullptr, nullptr, nullptr);
   MakeCalls(context, isp, Guard::kNone, [](const MadeCall&) {});
@@ -87,7 +84,7 @@ Finding NullCallbacks(const CheckContext& context) {
 
 Finding SetCallbacks(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return kNotLoaded;
+  if (!LoadIsp(context, isp)) return NotLoaded();
   g_thread = pthread_self();
   isp.SetUIFunction(OnProgress, OnMessage, nullptr);
   Finding finding;
@@ -102,7 +99,7 @@ Finding SetCallbacks(const CheckContext& context) {
 
 Finding EmptyDump(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return kNotLoaded;
+  if (!LoadIsp(context, isp)) return NotLoaded();
   Finding finding;
   CheckContext without_device = context;
   without_device.with_device = false;
@@ -115,7 +112,7 @@ Finding EmptyDump(const CheckContext& context) {
 
 Finding RecordKept(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return kNotLoaded;
+  if (!LoadIsp(context, isp)) return NotLoaded();
   Finding finding;
   MakeCalls(context, isp, Guard::kNone,
             [&finding](const MadeCall& call) { Keep(finding, JudgeRecord(call)); });
@@ -124,14 +121,15 @@ Finding RecordKept(const CheckContext& context) {
 
 Finding RecordBounds(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return kNotLoaded;
+  if (!LoadIsp(context, isp)) return NotLoaded();
   Finding finding;
   for (const Guard guard : {Guard::kAfter, Guard::kBefore}) {
     MakeCalls(context, isp, guard, [&finding](const MadeCall& call) {
       if (call.record.IsPatternWhole() && call.key.IsPatternWhole()) return;
-      Keep(finding, Failed(std::string(call.name) +
-                           " wrote outside what it was given: a record has 275328 bytes, a key "
-                           "1220."));
+      Keep(finding,
+           Failed(std::string(call.name) + " wrote outside what it was given: a record has " +
+                  std::to_string(sizeof(Setting)) + " bytes, a key " +
+                  std::to_string(kDeviceKeyCapacity) + "."));
     });
   }
   return finding;
@@ -139,7 +137,7 @@ Finding RecordBounds(const CheckContext& context) {
 
 Finding CallSurroundings(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return kNotLoaded;
+  if (!LoadIsp(context, isp)) return NotLoaded();
   Finding finding;
   const Surroundings before;
   MakeCalls(context, isp, Guard::kNone, [&](const MadeCall& call) {

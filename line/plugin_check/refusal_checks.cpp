@@ -36,7 +36,7 @@ Finding Refuses(const CheckContext& context, CCpIsp& isp, const IspRecord& recor
 
 Finding Refuses(const CheckContext& context, const IspRecord& record, const std::string& what) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return Failed("It did not load as it did before.");
+  if (!LoadIsp(context, isp)) return NotLoaded();
   return Refuses(context, isp, record, what);
 }
 
@@ -44,7 +44,7 @@ Finding Refuses(const CheckContext& context, const IspRecord& record, const std:
 
 Finding UnknownAction(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return Failed("It did not load as it did before.");
+  if (!LoadIsp(context, isp)) return NotLoaded();
   const std::string firmware = MakeFirmware(context);
   // No action, one without a call, that of DumpFlash, and one that there is not.
   for (const std::uint32_t action : {0U, 3U, 16U, 99U}) {
@@ -85,7 +85,7 @@ Finding TooManyEntries(const CheckContext& context) {
 
 Finding TargetOrder(const CheckContext& context) {
   CCpIsp isp;
-  if (!LoadIsp(context, isp)) return Failed("It did not load as it did before.");
+  if (!LoadIsp(context, isp)) return NotLoaded();
   const std::string firmware = MakeFirmware(context);
   for (const std::uint32_t second : {0U, 1U}) {
     const IspRecord record;

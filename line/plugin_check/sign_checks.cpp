@@ -68,9 +68,7 @@ Finding TryBoth(const CheckContext& context, Guard guard, FillIn fill_in, Judge 
   CCpSignVerify plugin;
   context.announce("loading");
   const std::wstring path = CCpTransform().ConvertUTF8StringToUnicode(context.file);
-  if (!plugin.LoadSignVerfiyDllFile(path.c_str())) {
-    return Failed("It did not load as it did before.");
-  }
+  if (!plugin.LoadSignVerfiyDllFile(path.c_str())) return NotLoaded();
   for (const SignCall& call : kCalls) {
     const SignRequest request(guard);
     fill_in(request, call);
@@ -125,7 +123,10 @@ Finding SignRecord(const CheckContext& context) {
         context, guard,
         [&](const SignRequest& request, const SignCall&) { Fill(context, request); },
         [&](const SignRequest& request, const SignCall&, int) -> std::string {
-          if (!request.IsPatternWhole()) return "wrote outside the request, which has 1840 bytes.";
+          if (!request.IsPatternWhole()) {
+            return "wrote outside the request, which has " + std::to_string(sizeof(Args)) +
+                   " bytes.";
+          }
           const bool is_same = std::memcmp(request.Get(), filled.Get(), sizeof(Args)) == 0;
           return is_same ? "" : "changed the request, which is const: work on a copy.";
         });
