@@ -17,6 +17,7 @@
 #include "line/command/paths.h"
 #include "line/command/units_status.h"
 #include "line/job/job_file.h"
+#include "line/job/judged_files.h"
 #include "line/job/lock_down.h"
 #include "line/job/serials.h"
 #include "line/journal/journal.h"
@@ -62,7 +63,7 @@ class BatchCommand {
   Job m_job;
   Serials m_serials;
   JudgedJob m_judged;
-  std::map<std::string, std::string> m_hashes;  // of the used files
+  std::map<std::string, std::string> m_hashes;  // of what plug-ins read
   std::unique_ptr<PrivateCopies> m_copies;
   std::unique_ptr<Journal> m_journal;
   std::unique_ptr<JournalSink> m_record;
@@ -123,7 +124,8 @@ ExitStatus BatchCommand::CheckFiles(const UsedFiles& used, const PathOf& path_of
     found.errors.insert(found.errors.end(), more.begin(), more.end());
   }
   SortByPosition(found.errors);
-  m_hashes = std::move(found.hashes);
+  for (const auto& [name, hash] : found.hashes)
+    m_hashes[OneNameOf(path_of(name))] = hash;
   return Refuse(found.errors);
 }
 

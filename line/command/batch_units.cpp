@@ -4,12 +4,27 @@
 #include <algorithm>
 #include <utility>
 
+#include "line/command/paths.h"
 #include "line/event/session.h"
 #include "line/job/job_words.h"
 #include "line/job/judged_files.h"
 #include "line/job/strictness.h"
 
 namespace line {
+
+std::vector<FileFacts> BatchUnits::CheckedFiles(const JudgedWords& words) const {
+  std::vector<FileFacts> files;
+  for (const std::string& file : FilesOf(words)) {
+    const auto hash = hashes.find(file);
+    // One that led elsewhere a moment ago has changed, and so has no hash that it fits.
+    files.push_back({file, hash == hashes.end() ? "" : hash->second});
+  }
+  // Each worker loads the plug-in anew.
+  if (!job.plugin_sha256.empty()) {
+    files.push_back({IspPluginIn(plugin_directory), job.plugin_sha256});
+  }
+  return files;
+}
 
 StepRequest BatchUnits::StepFor(const JobStep& step, JudgedStep& judged) const {
   StepRequest request;
@@ -25,13 +40,7 @@ StepRequest BatchUnits::StepFor(const JobStep& step, JudgedStep& judged) const {
   if (step.read) {
     request.read = FlashRead{step.read->address, step.read->length, step.read->equals};
   }
-  if (!job.line.copy) {
-    for (const std::string& file : FilesOf(judged.words)) {
-      const auto hash = hashes.find(file);
-      // One that led elsewhere a moment ago has changed, and so has no hash that it fits.
-      request.in_place.push_back({file, hash == hashes.end() ? "" : hash->second});
-    }
-  }
+  request.checked_files = CheckedFiles(judged.words);
   request.judged = std::move(judged.words);
   return request;
 }

@@ -19,7 +19,7 @@ struct BatchUnits {
   const Job& job;
   const PrivateCopies& copies;
   std::vector<AddressRange> ignored;
-  std::map<std::string, std::string> hashes;  // of the used files, by their one name
+  std::map<std::string, std::string> hashes;  // of what plug-ins read, by its one name
   std::string plugin_directory, data_directory;
   std::uint64_t wait_ms = 0;
 
@@ -27,6 +27,9 @@ struct BatchUnits {
   UnitRequest RequestFor(JudgedUnit& unit) const;
 
  private:
+  // What a worker compares before and after its step: no display may get other bytes than those
+  // that were checked, and a plug-in or a hook can change files, private copies too.
+  std::vector<FileFacts> CheckedFiles(const JudgedWords& words) const;
   StepRequest StepFor(const JobStep& step, JudgedStep& judged) const;
 };
 

@@ -103,9 +103,9 @@ GoMessage StepRun::MakeGo(const StepPlace& place) const {
   go.has_expected = m_request.wanted.scaler_type.has_value();
   go.expected = m_request.wanted.scaler_type.value_or(0);
   go.nothing_written = m_request.wanted.nothing_written;
-  for (const FileFacts& file : m_request.in_place) {
-    go.in_place.push_back(file.path);
-    go.in_place_sha256.push_back(file.sha256);
+  for (const FileFacts& file : m_request.checked_files) {
+    go.checked_files.push_back(file.path);
+    go.checked_sha256.push_back(file.sha256);
   }
   return go;
 }

@@ -33,8 +33,8 @@ struct StepRequest {
   std::string name;
   std::vector<std::string> words;  // zvisp's, when `judged` is empty: the step's worker judges them
   // Words that may run: they were judged and approved, and the paths in the records are those of
-  // files that do not change, or of files that are listed in `in_place`. Of a read step, whose
-  // words dump the flash, only the display that they lead to counts.
+  // private copies, or of files that are listed in `checked_files`. Of a read step, whose words
+  // dump the flash, only the display that they lead to counts.
   std::optional<JudgedWords> judged;
   std::optional<FlashRead> read;
   std::string plugin_directory;  // absolute, ends in "/"
@@ -45,8 +45,8 @@ struct StepRequest {
   bool reads_only = false;  // read back without a run before
   std::vector<AddressRange> ignored;
   int copies_lock = -1;
-  std::string dump_prefix;          // of the files for what is read; the rest of a name follows
-  std::vector<FileFacts> in_place;  // files that must be the same before and after the run
+  std::string dump_prefix;  // of the files for what is read; the rest of a name follows
+  std::vector<FileFacts> checked_files;  // must be the same before and after the run
 };
 
 // What a step needs to know of its unit.

@@ -98,7 +98,7 @@ struct ResultMessage {
   static constexpr MessageType kType = MessageType::kResult;
   std::uint32_t code = 0;
   std::string missing = {};  // which plug-in or call is missing, and why; empty for other results
-  std::string changed_file = {};  // of those that are used in place, one that is not what it was
+  std::string changed_file = {};  // of those that were checked, one that is not what it was
   template <typename Archive>
   void Fields(Archive& archive) {
     archive(code);
@@ -134,8 +134,8 @@ struct GoMessage {
   bool has_expected = false;
   std::uint32_t expected = 0;  // the scaler type
   std::vector<std::uint32_t> nothing_written;
-  // Files that are used in place, and their SHA-256: they must be the same before and afterwards.
-  std::vector<std::string> in_place, in_place_sha256;
+  // Files that were checked, and their SHA-256: they must be the same before and afterwards.
+  std::vector<std::string> checked_files, checked_sha256;
   template <typename Archive>
   void Fields(Archive& archive) {
     archive(setting);
@@ -157,8 +157,8 @@ struct GoMessage {
     archive(has_expected);
     archive(expected);
     archive(nothing_written);
-    archive(in_place);
-    archive(in_place_sha256);
+    archive(checked_files);
+    archive(checked_sha256);
   }
 };
 

@@ -35,11 +35,18 @@ namespace {
 using Setting = STRUCT_C_STYLE_CP_ISP_COMMAND_SETTING;
 using SignArgs = STRUCT_C_STYLE_CP_DIGITAL_SIGN_ARGS;
 
+// What is to be recorded when the parent is lost from now on.
+struct Ending {
+  Verdict verdict;
+  std::optional<std::uint32_t> code;
+};
+
 // What the callbacks of the plug-in, which have no argument for it, have to reach.
 ParentLink* g_parent = nullptr;
 GoMessage g_go;
 CallTrace g_trace;
-bool g_called = false;  // since the last Execute
+bool g_called = false;           // since the last Execute
+std::optional<Ending> g_ending;  // of the action, once it has returned
 
 [[noreturn]] void End() {
   std::fflush(nullptr);
@@ -48,8 +55,11 @@ bool g_called = false;  // since the last Execute
   _exit(0);
 }
 
-[[noreturn]] void EndAlone(const Verdict& verdict, std::optional<std::uint32_t> code) {
-  RecordLastWords(g_go, verdict, code);
+// The parent is gone. Where the action has not returned, what was called is all that is known.
+[[noreturn]] void EndAlone() {
+  const Verdict missing = JudgeMissingResult(g_trace, Outcome::kInterrupted, kParentGone);
+  const Ending ending = g_ending.value_or(Ending{missing, {}});
+  RecordLastWords(g_go, ending.verdict, ending.code);
   End();
 }
 
@@ -70,7 +80,7 @@ void BeforeCall(const char* name) {
   const auto answer = asked ? Receive<MayCallMessage>() : std::nullopt;
   if (!answer) {
     // The plug-in has not been called, whatever the parent has recorded meanwhile.
-    EndAlone(JudgeMissingResult(g_trace, Outcome::kInterrupted, kParentGone), {});
+    EndAlone();
   }
   // The parent reports why.
   if (!answer->may) End();
@@ -138,22 +148,17 @@ Wanted WantedOf(const GoMessage& go) {
   return wanted;
 }
 
-// Of the files that are used in place, the first that is not what was checked; empty for none.
+// The first file that is not what was checked; empty for none.
 std::string ChangedFile() {
-  for (std::size_t i = 0; i < g_go.in_place.size() && i < g_go.in_place_sha256.size(); ++i) {
-    if (Sha256OfFile(g_go.in_place[i]) != g_go.in_place_sha256[i]) return g_go.in_place[i];
+  for (std::size_t i = 0; i < g_go.checked_files.size() && i < g_go.checked_sha256.size(); ++i) {
+    const std::string& file = g_go.checked_files[i];
+    if (Sha256OfFile(file) != g_go.checked_sha256[i]) return file;
   }
   return "";
 }
 
-// What is to be recorded when the parent is lost from now on.
-struct Ending {
-  Verdict verdict;
-  std::optional<std::uint32_t> code;
-};
-
 // Sends the result of the action, or records it where nobody listens any more.
-Ending Program(Setting* setting, SignArgs* sign_args) {
+void Program(Setting* setting, SignArgs* sign_args) {
   ResultMessage result;
   result.changed_file = ChangedFile();
   if (result.changed_file.empty()) {
@@ -163,13 +168,13 @@ Ending Program(Setting* setting, SignArgs* sign_args) {
     result = ResultOf(code, *setting);
     result.changed_file = ChangedFile();
   }
-  Ending ending = {JudgeResult(g_trace, result, WantedOf(g_go)), result.code};
-  if (ending.verdict.outcome == Outcome::kPassed && g_go.reads_back) {
-    ending.verdict.outcome = Outcome::kInterrupted;
-    ending.verdict.meaning = std::string("not read back: ") + kParentGone;
+  Verdict verdict = JudgeResult(g_trace, result, WantedOf(g_go));
+  if (verdict.outcome == Outcome::kPassed && g_go.reads_back) {
+    verdict.outcome = Outcome::kInterrupted;
+    verdict.meaning = std::string("not read back: ") + kParentGone;
   }
-  if (!g_parent->Send(Encode(result))) EndAlone(ending.verdict, ending.code);
-  return ending;
+  g_ending = {verdict, result.code};
+  if (!g_parent->Send(Encode(result))) EndAlone();
 }
 
 // Reads a range of the flash with the run's own interface, slave and channel.
@@ -196,10 +201,10 @@ void Dump(const Setting& of_run, const DumpMessage& dump) {
 }
 
 // What the parent asks for after the result, until it says Bye.
-void ServeReadBack(const Setting& of_run, const Ending& ending) {
+void ServeReadBack(const Setting& of_run) {
   for (;;) {
     const std::optional<Frame> frame = g_parent->Receive();
-    if (!frame) EndAlone(ending.verdict, ending.code);
+    if (!frame) EndAlone();
     if (frame->type == MessageType::kBye) return;
     const auto dump = Decode<DumpMessage>(*frame);
     if (!dump) return;
@@ -223,9 +228,8 @@ void Work() noexcept {
   g_funcReturnProg = OnProgress;
   g_funcShowMsg = OnMessage;
   g_funcBeforeIspCall = BeforeCall;
-  Ending ending = {JudgeMissingResult(g_trace, Outcome::kInterrupted, kParentGone), {}};
-  if (!g_go.reads_only) ending = Program(setting, &sign_args);
-  ServeReadBack(*of_run, ending);
+  if (!g_go.reads_only) Program(setting, &sign_args);
+  ServeReadBack(*of_run);
 }
 
 // Judges what the parent asks for, until it sends what is to be run.

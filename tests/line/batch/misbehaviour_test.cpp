@@ -5,9 +5,11 @@
 #include <iterator>
 #include <string>
 
+#include "line/job/sha256.h"
 #include "line/support/batch_floor.h"
 #include "support/files.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -70,6 +72,45 @@ TEST(MisbehaviourAtOnce, HarmsItsOwnDisplayAlone) {
   const RunResult doctor = floor.Doctor();
   EXPECT_EQ(doctor.status, 5);
   EXPECT_EQ(EventsOf(doctor.out, "finding").size(), 9u);
+}
+
+// One display after the other, so that the second display has what the first one left.
+void GivenOneAfterTheOther(BatchFloor& floor, const std::string& tables) {
+  floor.Tool().WithIspPlugin(TestPlugin("bad_plugin"));
+  floor.GivenTables("[line]\njobs_at_once = 1\n" + tables);
+  floor.GivenSteps(
+      "[[step]]\nname = \"program\"\n"
+      "zvisp = [\"--isp\", \"--fw1\", \"fw.bin\", \"--bank1\", \"0\"]\n");
+}
+
+TEST(APluginThatChangesItsInput, HarmsNoOtherDisplay) {
+  BatchFloor floor(2);
+  GivenOneAfterTheOther(floor, "");
+  Command command = floor.InJson();
+  command.environment["ZVISP_BAD_PLUGIN_1"] = "change-file";
+  command.environment["ZVISP_BAD_PLUGIN_2"] = "succeed";
+  const RunResult batch = RunCommand(command);
+  EXPECT_EQ(batch.status, 5) << batch.err;
+  EXPECT_EQ(EndsOf(batch.out, 2), (LineTool::Words{"P1 failed uncertain", "P2 failed untouched"}));
+  EXPECT_THAT(EventAt(batch.out, "result", 1), testing::HasSubstr("changed while it was used"));
+  EXPECT_THAT(EventAt(batch.out, "result", 2), testing::HasSubstr("is not what was checked"));
+}
+
+TEST(APluginThatIsReplaced, IsNotUsedForAnyOtherDisplay) {
+  const std::string hash = *line::Sha256OfFile(TestPlugin("bad_plugin"));
+  BatchFloor floor(2);
+  GivenOneAfterTheOther(floor, "[plugin]\nsha256 = \"" + hash +
+                                   "\"\n[hook]\nbefore_unit = [\"./replace\", \"{place}\"]\n");
+  const std::string plugin = floor.Tool().IspPluginPath();
+  floor.GivenScript(
+      "replace", "[ $1 = P1 ] || { cp " + plugin + " new; echo >> new; mv new " + plugin + "; }");
+  Command command = floor.InJson();
+  command.environment["ZVISP_BAD_PLUGIN"] = "succeed";
+  const RunResult batch = RunCommand(command);
+  EXPECT_EQ(batch.status, 1) << batch.err;
+  EXPECT_EQ(EndsOf(batch.out, 2), (LineTool::Words{"P1 passed programmed", "P2 failed untouched"}));
+  EXPECT_THAT(EventAt(batch.out, "result", 2),
+              testing::HasSubstr(plugin + " is not what was checked"));
 }
 
 }  // namespace

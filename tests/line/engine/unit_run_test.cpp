@@ -196,7 +196,7 @@ TEST_F(UnitRunOf, AHookThatFailsChangesNothingElse) {
 
 TEST_F(UnitRunOf, AFileInPlaceThatIsNotWhatWasCheckedIsNotUsed) {
   UnitRequest unit = ProgrammedUnit(3);
-  unit.steps[0].in_place = {{Firmware(), std::string(64, '0')}};
+  unit.steps[0].checked_files = {{Firmware(), std::string(64, '0')}};
   const UnitEnd end = RunOne(std::move(unit));
   EXPECT_EQ(end.outcome, Outcome::kFailed);
   EXPECT_EQ(end.state, UnitState::kUntouched);
@@ -207,7 +207,7 @@ TEST_F(UnitRunOf, AFileInPlaceThatIsNotWhatWasCheckedIsNotUsed) {
 TEST_F(UnitRunOf, AFileInPlaceThatChangesLeavesTheUnitUncertain) {
   m_displays.GivenFaults(3, "slow ms=300\n");
   UnitRequest unit = ProgrammedUnit(3);
-  unit.steps[0].in_place = {{Firmware(), *Sha256OfFile(Firmware())}};
+  unit.steps[0].checked_files = {{Firmware(), *Sha256OfFile(Firmware())}};
   std::thread writer([this] {
     if (m_displays.WaitForJournal(3, "erase bank=0")) GivenFirmware(Firmware(), 2 * 65536, 9);
   });

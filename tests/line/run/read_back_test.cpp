@@ -147,6 +147,18 @@ TEST_F(ReadBackOf, AnOrphanRecordsThatItWasProgrammedAndNotReadBack) {
   EXPECT_EQ(FieldOf(result, "state"), "programmed");
 }
 
+TEST_F(ReadBackOf, AnOrphanThatWasAboutToReadRecordsTheSame) {
+  m_line.Tool().WithIspPlugin(TestPlugin("bad_plugin"));
+  Command command = m_line.Line("run", {"--readback"}, Programming("--isp"));
+  command.environment["ZVISP_BAD_PLUGIN"] = "kill-parent-later";
+  EXPECT_EQ(RunCommand(command).signal, SIGKILL);
+  ASSERT_TRUE(m_line.WaitForRecord("\"type\":\"unit_result\""));
+  const std::string result = EventOf(m_line.Record(), "result");
+  EXPECT_EQ(FieldOf(result, "outcome"), "interrupted");
+  EXPECT_EQ(FieldOf(result, "state"), "programmed");
+  EXPECT_EQ(FieldOf(result, "code"), "0");
+}
+
 TEST_F(ReadBackOf, TheCommandReadbackNeverWrites) {
   ASSERT_EQ(m_line.Run(Programming("--isp")).status, 0);
   ASSERT_EQ(m_line.ReadBack(Programming("--isp")).status, 0);

@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -153,6 +154,26 @@ int GarbageToTheParent(Setting*) {
   return 0;
 }
 
+// As one that fills the last bank of its input would do.
+int ChangeFile(Setting* setting) {
+  std::string path;
+  for (const wchar_t character : std::wstring(setting->stMapFw.stBank[0].wszPath)) {
+    path += static_cast<char>(character);
+  }
+  if (chmod(path.c_str(), 0600) != 0) return 97;
+  std::FILE* const file = std::fopen(path.c_str(), "ab");
+  if (file == nullptr) return 98;
+  std::fputc(0xFF, file);
+  return std::fclose(file);
+}
+
+// The library is unloaded after each call, so its own variables would not last.
+constexpr const char* kKillAtNextLoad = "ZVISP_BAD_PLUGIN_KILLS";
+
+int KillParentAtNextLoad(Setting*) {
+  return setenv(kKillAtNextLoad, "1", 1);
+}
+
 int Code256(Setting*) {
   return 256;
 }
@@ -201,6 +222,8 @@ constexpr Row kRows[] = {
   {"fork-that-survives",   ForkThatSurvives},
   {"child-that-stays",     ChildThatStays},
   {"garbage",              GarbageToTheParent},
+  {"change-file",          ChangeFile},
+  {"kill-parent-later",    KillParentAtNextLoad},
   {"code-256",             Code256},
   {"code-minus-256",       CodeMinus256},
   {"lie",                  Lie},
@@ -253,4 +276,10 @@ ZVISP_PLUGIN_EXPORT void SetUIFunction(ZvReturnProgress progress, ZvShowMessage 
                                        ZvGetHubDevice) {
   g_progress = progress;
   g_message = message;
+  if (std::getenv(kKillAtNextLoad) == nullptr) return;
+  const pid_t parent = getppid();
+  kill(parent, SIGKILL);
+  while (getppid() == parent) {
+    usleep(1000);
+  }
 }
