@@ -2,11 +2,13 @@
 #include "line/journal/interface_lock.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -102,9 +104,23 @@ std::string HolderIn(const std::string& path) {
   return bytes > 0 ? std::string(text, static_cast<std::size_t>(bytes)) : "";
 }
 
+// The number in "process 123 (unit A)"; 0 for none.
+pid_t ProcessIn(const std::string& holder) {
+  int number = 0;
+  return std::sscanf(holder.c_str(), "process %d ", &number) == 1 ? number : 0;
+}
+
+// A lock outlives the process that took it: workers have it, too, and what their plug-ins leave.
 std::string InUseBy(const std::string& path, const std::string& what) {
   const std::string holder = HolderIn(path);
-  return what + " is in use" + (holder.empty() ? "" : " by " + holder);
+  if (holder.empty()) return what + " is in use";
+  const pid_t process = ProcessIn(holder);
+  const bool is_gone = process > 0 && kill(process, 0) != 0 && errno == ESRCH;
+  return what + " is in use by " + holder +
+         (is_gone
+              ? ", which has ended and left a process that may still write to a display; fuser " +
+                    path + " names it"
+              : "");
 }
 
 std::string AnyInterfaceInUse() {

@@ -2,10 +2,13 @@
 #include "line/journal/interface_lock.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <utility>
 
 #include "support/files.h"
 #include "support/scratch_dir.h"
@@ -53,6 +56,24 @@ TEST_F(InterfaceLockOf, ARunThatNeedsTheHostAloneAndAnyOtherExcludeEachOther) {
     ASSERT_EQ(Take(lock, alone), Answer::kTaken);
     EXPECT_EQ(Take(other, {3, false}), Answer::kInUse);
     EXPECT_THAT(m_reason, HasSubstr("The whole host is in use by the run of unit A"));
+  }
+}
+
+TEST_F(InterfaceLockOf, AHolderThatHasEndedIsSaidToHaveLeftAProcess) {
+  const pid_t gone = fork();
+  if (gone == 0) _exit(0);
+  ASSERT_EQ(waitpid(gone, nullptr, 0), gone);
+  for (const auto& [process, ended] : {std::pair(gone, true), std::pair(getpid(), false)}) {
+    const std::string holder = "process " + std::to_string(process) + " (unit A)";
+    InterfaceLock first;
+    InterfaceLock second;
+    ASSERT_EQ(first.Take({3, false}, holder, m_reason), Answer::kTaken);
+    ASSERT_EQ(Take(second, {3, false}), Answer::kInUse);
+    const std::string and_left =
+        ", which has ended and left a process that may still write to a "
+        "display; fuser " +
+        (m_scratch / "locks/comm-3") + " names it";
+    EXPECT_EQ(m_reason, "Interface 3 is in use by " + holder + (ended ? and_left : ""));
   }
 }
 
