@@ -199,13 +199,33 @@ std::vector<Refusal> FindRefusals(const OptionScan& scan, const JudgedWords& jud
   return refusals;
 }
 
+namespace {
+
+// Of characters that show nothing, whatever their width.
+bool IsBlank(std::string_view text) {
+  constexpr std::string_view kBlanks[] = {
+      " ",      "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
+      "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u200B", "\u2028",
+      "\u2029", "\u202F", "\u205F", "\u2060", "\u3000", "\uFEFF"};
+  while (!text.empty()) {
+    const auto* const blank =
+        std::find_if(std::begin(kBlanks), std::end(kBlanks),
+                     [text](std::string_view one) { return text.starts_with(one); });
+    if (blank == std::end(kBlanks)) return false;
+    text.remove_prefix(blank->size());
+  }
+  return true;
+}
+
+}  // namespace
+
 std::string WhyNoSerial(const std::string& serial) {
   const std::string clean = CleanText(serial);
   if (clean != serial) {
     return "The serial of --unit has control characters, or is not UTF-8; give it as it is "
            "printed on the display.";
   }
-  if (serial.find_first_not_of(' ') == std::string::npos) {
+  if (IsBlank(serial)) {
     return "The serial of --unit is blank; give the display's, or leave --unit out.";
   }
   if (serial.size() > kLongestSerial) {

@@ -71,6 +71,8 @@ const Row kRows[] = {
    {"--unit Z2 names no place; give PLACE=SERIAL."}},
   {{"A1="}, {"A2", "A3"},
    {"Place \"A1\": The serial of --unit is blank; give the display's, or leave --unit out."}},
+  {{"A1=\u00A0 \u3000"}, {"A2", "A3"},
+   {"Place \"A1\": The serial of --unit is blank; give the display's, or leave --unit out."}},
   {{"A1=Z\x01"}, {"A2", "A3"},
    {"Place \"A1\": The serial of --unit has control characters, or is not UTF-8; give it as it is printed on the display."}},
   {{"A1=Y1"}, {"A2", "A3"},
