@@ -87,8 +87,16 @@ ProcessEnd EndOf(int status) {
 
 int MovedUp(int descriptor) {
   const int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, kFirstFree);
+  // The system means that the limit of open files is below the number.
+  const int failure = moved < 0 && errno == EINVAL ? EMFILE : errno;
   close(descriptor);
+  errno = failure;
   return moved;
+}
+
+const char* RemedyFor(int failure) {
+  return failure == EMFILE ? "allow more open files (ulimit -n)"
+                           : "free memory or processes and try again";
 }
 
 ChildProcess::~ChildProcess() {

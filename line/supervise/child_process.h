@@ -19,8 +19,12 @@ struct ProcessEnd {
 };
 
 // The descriptor, moved to a number that a child's own descriptors do not use, and closed in every
-// child that is started; -1 when there is none free.
+// child that is started; -1 with errno when there is none free.
 int MovedUp(int descriptor);
+
+// What to do about this error of the system, when something cannot be started: "free memory or
+// processes and try again".
+const char* RemedyFor(int failure);
 
 // What is started, and what it gets.
 struct ChildOrder {

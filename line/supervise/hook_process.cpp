@@ -53,7 +53,7 @@ const char* WhatToDo(int failure) {
     case ENOEXEC:
       return "begin a script with a line such as #!/bin/sh";
     default:
-      return "free memory or processes and try again";
+      return RemedyFor(failure);
   }
 }
 

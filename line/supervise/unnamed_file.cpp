@@ -34,8 +34,9 @@ int OpenUnnamedFile(std::string& error) {
   const int unnamed = OpenWithoutName();
   const int file = unnamed < 0 ? -1 : MovedUp(unnamed);
   if (file >= 0) return file;
-  error = std::string("No file can be made in /tmp: ") + std::strerror(errno) +
-          "; make room there, or make it writable.";
+  const int failure = errno;
+  error = std::string("No file can be made in /tmp: ") + std::strerror(failure) + "; " +
+          (failure == EMFILE ? RemedyFor(failure) : "make room there, or make it writable") + ".";
   return -1;
 }
 

@@ -63,8 +63,8 @@ bool WorkerProcess::Start(int output, int copies_lock, std::string& error, const
   if (ends[1] >= 0) close(ends[1]);
   m_socket = ends[0];
   if (failure == 0) return true;
-  error = std::string("A worker cannot be started: ") + std::strerror(failure) +
-          "; free memory or processes and try again.";
+  error = std::string("A worker cannot be started: ") + std::strerror(failure) + "; " +
+          RemedyFor(failure) + ".";
   return false;
 }
 
