@@ -156,20 +156,26 @@ TEST_F(UnitRunOf, TheInterfaceIsHeldWhileTheHookIsAsked) {
 
 // The tick that takes a free interface starts the step, too.
 TEST_F(UnitRunOf, AWaitForTheInterfaceEndsInNoTimeOut) {
+  constexpr unsigned kUnits = 6;
+  GivenHook("hold", "touch held-$1; while [ ! -e go ]; do sleep 0.01; done\n");
   std::vector<pid_t> holders;
   std::vector<UnitRequest> units;
-  for (unsigned comm = 1; comm <= 6; ++comm) {
-    m_displays.GivenFaults(comm, "slow call=1 ms=200\n");
-    holders.push_back(RunElsewhere(ProgrammedUnit(comm)));
-    ASSERT_TRUE(m_displays.WaitForJournal(comm, "call n=1"));
-    UnitRequest unit = ProgrammedUnit(comm);
-    unit.wait_ms = 60000;
-    unit.steps.front().timeout_s = 60;
-    units.push_back(std::move(unit));
+  for (unsigned comm = 1; comm <= kUnits; ++comm) {
+    UnitRequest holder = ProgrammedUnit(comm);
+    holder.before_words = {"./hold", std::to_string(comm)};
+    holders.push_back(RunElsewhere(std::move(holder)));
+    units.push_back(ProgrammedUnit(comm));
+    units.back().wait_ms = 60000;
+    units.back().steps.front().timeout_s = 60;
+    ASSERT_TRUE(WaitUntil([&] { return FileExists(m_scratch / "held-" + std::to_string(comm)); }));
   }
+  std::thread release([this] {
+    EXPECT_TRUE(WaitUntil([this] { return EventsOf(Lines(), "wait").size() == kUnits; }));
+    GivenFile(m_scratch / "go", "");
+  });
   for (const UnitEnd& end : Run(std::move(units)))
     EXPECT_EQ(end.outcome, Outcome::kPassed);
-  EXPECT_EQ(EventsOf(Lines(), "wait").size(), 6u);
+  release.join();
   for (const pid_t holder : holders)
     EXPECT_EQ(waitpid(holder, nullptr, 0), holder);
 }
