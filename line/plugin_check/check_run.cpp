@@ -79,9 +79,11 @@ CheckAnswer CheckRun::WithoutAnswer() const {
     answer.text = "It did not return within " + SecondsOf(m_timeout_ms) + " from " + m_call +
                   ": end every wait by a time limit.";
   } else if (m_end->signal) {
-    answer.text = "It ended its process by signal " + std::to_string(*m_end->signal) + " (" +
-                  strsignal(*m_end->signal) + ") in " + m_call +
-                  ": run this check under a debugger or a sanitizer.";
+    answer.text =
+        "It ended its process by signal " + std::to_string(*m_end->signal) + " (" +
+        strsignal(*m_end->signal) + ") in " + m_call + ": " +
+        (*m_end->signal == SIGABRT ? "let no exception leave a call, call no abort, and " : "") +
+        "run this check under a debugger or a sanitizer.";
   } else {
     answer.text = "It ended its process with exit status " +
                   std::to_string(m_end->exit_status.value_or(0)) + " in " + m_call +

@@ -95,7 +95,8 @@ LoadProblem ExplainLoaderReason(const std::string& path, const std::string& reas
 
 LoadProblem ExplainMissing(const std::vector<std::string>& absent) {
   return {"does not export " + Listed(absent),
-          "declare each as zvisp_plugin.h does: C linkage and default visibility"};
+          "define each in a source that includes plugin/zvisp_plugin.h, which exports it with C "
+          "linkage"};
 }
 
 std::string ExplainNotLoaded(std::uint32_t code, std::uint32_t action,

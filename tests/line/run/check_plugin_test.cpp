@@ -96,7 +96,7 @@ const Fault kFaults[] = {
   {kIsp,    "empty-dump",        "empty-dump",        "returned 0, which is success"},
   {kIsp,    "empty-dump-256",    "empty-dump",        "returned 0x100, which zvisp ends with exit"},
   {kIsp,    "dump-crash",        "empty-dump",        "signal 11 (Segmentation fault) in DumpFlash"},
-  {kIsp,    "dump-throw",        "empty-dump",        "signal 6 (Aborted) in DumpFlash of 0 bytes"},
+  {kIsp,    "dump-throw",        "empty-dump",        "signal 6 (Aborted) in DumpFlash of 0 bytes: let no exception leave a call"},
   {kIsp,    "dump-exit",         "empty-dump",        "exit status 0 in DumpFlash of 0 bytes"},
   {kIsp,    "dump-exit-at-once", "empty-dump",        "exit status 0 in DumpFlash of 0 bytes"},
   {kIsp,    "dump-hang",         "empty-dump",        "not return within 2 seconds from DumpFlash"},

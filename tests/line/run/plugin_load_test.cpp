@@ -52,14 +52,15 @@ constexpr std::size_t kMachine = 18;
 constexpr char kSparc = 43;
 
 const char* const kExport =
-    "; declare each as zvisp_plugin.h does: C linkage and default visibility";
+    "; define each in a source that includes plugin/zvisp_plugin.h, which exports it with C "
+    "linkage";
 
 const Case kCases[] = {
     {"OneExport", [](const LineTool&) { return TestPlugin("recording_isp_lacks_DumpFlash"); },
-     " does not export DumpFlash; declare each as"},
+     " does not export DumpFlash; define each in a source that includes"},
     {"EveryExport", [](const LineTool&) { return TestPlugin("recording_sign"); },
      " does not export IspFlash, SetCommInterface, RecordFWVersion, GetKeyFromFlash, "
-     "SetUIFunction and DumpFlash; declare"},
+     "SetUIFunction and DumpFlash; define"},
     {"Architecture",
      [](const LineTool& line) { return Changed(line, ZVISP_SIMULATOR, kMachine, kSparc); },
      " is an ELF library for machine 43, but this program needs an ELF library for "},
