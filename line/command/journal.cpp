@@ -60,6 +60,16 @@ bool IsMissing(const Options& options, Session& session) {
   return true;
 }
 
+// A mistyped serial must not look like a display to which nothing happened.
+void ReportNothingFound(const Options& options, const std::string& data, Session& session) {
+  std::string what;
+  if (!options.unit.empty()) what += " of display " + CleanText(options.unit);
+  if (!options.run.empty()) what += " of run " + CleanText(options.run);
+  session.Emit(
+      {}, MessageEvent{Source::kTool, Level::kWarning,
+                       "The record in " + CleanText(data) + " has no event" + what + ".", false});
+}
+
 bool IsWanted(const Options& options, const RecordedEvent& event) {
   return (options.unit.empty() || event.where.unit == options.unit) &&
          (options.run.empty() || event.where.run == options.run);
@@ -70,19 +80,24 @@ bool IsWanted(const Options& options, const RecordedEvent& event) {
 ExitStatus RunJournalShow(const Options& options, Session& session) {
   if (IsMissing(options, session)) return kExitUnavailable;
   const std::string data = DataDirectory(options.data);
+  bool is_found = false;
   const std::string failure = ForEachRecordLine(data, [&](const RecordLine& line) {
     const std::optional<RecordedEvent> event = FromJsonLine(line.text);
     if (!event.has_value()) {
       if (line.is_ended) ReportSkipped(session, {std::string(line.file), line.number});
       return;
     }
-    if (options.quiet || !IsWanted(options, *event)) return;
+    if (!IsWanted(options, *event)) return;
+    is_found = true;
+    if (options.quiet) return;
     const std::string text = options.json ? std::string(line.text) : InWords(*event);
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fputc('\n', stdout);
   });
   std::fflush(stdout);
-  return failure.empty() ? kExitPassed : Fail(session, kExitUnavailable, "record", failure);
+  if (!failure.empty()) return Fail(session, kExitUnavailable, "record", failure);
+  if (!is_found) ReportNothingFound(options, data, session);
+  return kExitPassed;
 }
 
 ExitStatus RunJournalDoctor(const Options& options, Session& session) {

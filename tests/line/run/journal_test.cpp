@@ -47,6 +47,10 @@ TEST_F(JournalOf, ResolveClearsTheDisplayOfTheRunThatDoctorNames) {
   EXPECT_EQ(FieldOf(resolved, "run"), run);
   EXPECT_EQ(FieldOf(resolved, "unit"), "ZP1");
   EXPECT_THAT(m_line.Journal({"show", "--run", run}).out, HasSubstr("programmed by hand"));
+  const RunResult mistyped = m_line.Journal({"show", "--unit", "ZP-1"});
+  EXPECT_EQ(mistyped.status, 0);
+  EXPECT_EQ(FieldOf(EventOf(mistyped.out, "message"), "text"),
+            "The record in " + m_line.DataDirectory() + " has no event of display ZP-1.");
 }
 
 TEST_F(JournalOf, ResolveClearsNothingElse) {
