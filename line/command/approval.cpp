@@ -21,6 +21,7 @@ std::string ZvispRefuses(const std::string& said) {
 std::vector<Refusal> WhyNotApproved(const Strictness& strictness, const OptionScan& scan,
                                     const JudgedWords& judged) {
   if (judged.accepted) return FindRefusals(scan, judged, strictness);
+  if (scan.options.empty() && scan.refusals.empty()) return {{"no-words", kNoWords}};
   // The rules of zvisp-line need judged records. Without them only the scan has something to add.
   std::vector<Refusal> refusals = {{"zvisp-refuses", ZvispRefuses(judged.said)}};
   refusals.insert(refusals.end(), scan.refusals.begin(), scan.refusals.end());

@@ -15,6 +15,8 @@
 
 namespace line {
 
+inline constexpr const char* kNoWords = "There are no words of zvisp; give them after \"--\".";
+
 // zvisp's own refusal, or everything that zvisp-line refuses beyond it; empty when the words may
 // run.
 std::vector<Refusal> WhyNotApproved(const Strictness& strictness, const OptionScan& scan,

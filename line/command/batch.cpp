@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "line/command/batch_units.h"
@@ -23,6 +24,7 @@
 #include "line/journal/journal.h"
 #include "line/supervise/batch_run.h"
 #include "line/supervise/private_copies.h"
+#include "line/worker/library_file.h"
 
 namespace line {
 
@@ -54,6 +56,7 @@ class BatchCommand {
   ExitStatus Refuse(const JobErrors& errors);
   ExitStatus NotAvailable(const char* id, const std::string& text);
   ExitStatus CheckFiles(const UsedFiles& used, const PathOf& path_of);
+  ExitStatus CheckPlugin();
   HelloEvent Hello() const;
   std::vector<UnitRequest> Requests();
 
@@ -124,9 +127,20 @@ ExitStatus BatchCommand::CheckFiles(const UsedFiles& used, const PathOf& path_of
     found.errors.insert(found.errors.end(), more.begin(), more.end());
   }
   SortByPosition(found.errors);
-  for (const auto& [name, hash] : found.hashes)
+  for (const auto& [name, hash] : found.hashes) {
     m_hashes[OneNameOf(path_of(name))] = hash;
-  return Refuse(found.errors);
+  }
+  const ExitStatus status = Refuse(found.errors);
+  return status == kExitPassed ? CheckPlugin() : status;
+}
+
+// One that cannot be loaded would fail at every place. Nothing of it runs here.
+ExitStatus BatchCommand::CheckPlugin() {
+  const std::string path = IspPluginIn(m_plugins);
+  const std::optional<LoadProblem> problem = LookAtLibraryFile(path);
+  if (!problem) return kExitPassed;
+  return NotAvailable(
+      "plugin", "The ISP plug-in " + path + " " + problem->what + "; " + problem->advice + ".");
 }
 
 HelloEvent BatchCommand::Hello() const {

@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "base/path.h"
+#include "line/command/approval.h"
 #include "line/command/commands.h"
 #include "line/command/judged_job.h"
 #include "line/command/paths.h"
@@ -170,7 +171,7 @@ ExitStatus JobInit::Describe() {
                       {}});
   }
   if (m_options.words.empty()) {
-    errors.push_back({"no-words", "There are no words of zvisp; give them after \"--\".", {}});
+    errors.push_back({"no-words", kNoWords, {}});
   }
   for (const std::string& word : m_options.words) {
     if (CleanText(word) == word) continue;

@@ -46,6 +46,15 @@ std::string WhatIsWritten(const JudgedWords& words) {
   return text;
 }
 
+// Where the refused word is in the job. One with {unit} or {place} in it is not found again, and a
+// job that is only being written has no positions.
+JobPosition PositionOf(const JobStep& step, const Refusal& refusal) {
+  const auto word = std::find(step.words.begin(), step.words.end(), refusal.word);
+  const auto index = static_cast<std::size_t>(word - step.words.begin());
+  if (refusal.word.empty() || index >= step.word_positions.size()) return step.words_position;
+  return step.word_positions[index];
+}
+
 bool IsSame(const Refusal& left, const Refusal& right) {
   return left.id == right.id && left.text == right.text;
 }
@@ -105,7 +114,7 @@ void JudgedJob::ReportOf(std::size_t step) {
     if (is_common && std::any_of(common.begin(), common.end(), is_this)) continue;
     if (is_common) common.push_back(refusal);
     m_session.Emit(WhereOf(step, is_common ? nullptr : unit),
-                   At(m_job.steps[step].position, refusal.id, refusal.text));
+                   At(PositionOf(m_job.steps[step], refusal), refusal.id, refusal.text));
   }
   m_is_approved = m_is_approved && found.empty();
 }
@@ -144,7 +153,7 @@ UsedFiles JudgedJob::Files() const {
   for (std::size_t step = 0; step < m_job.steps.size(); ++step) {
     for (const JudgedUnit& unit : m_units) {
       for (const std::string& file : FilesOf(unit.steps[step].words)) {
-        files.try_emplace(file, m_job.steps[step].position);
+        files.try_emplace(file, m_job.steps[step].words_position);
       }
     }
   }
@@ -172,7 +181,7 @@ ExitStatus JudgedJob::EmitPlans() {
   std::string error;
   for (std::size_t step = 0; step < m_job.steps.size(); ++step) {
     if (EmitPlansOf(step, error)) continue;
-    Report({{"file", error, m_job.steps[step].position}});
+    Report({{"file", error, m_job.steps[step].words_position}});
     return kExitRefused;
   }
   return kExitPassed;

@@ -41,6 +41,8 @@ struct JobStep {
   bool allow_unsigned = false;
   std::optional<std::uint32_t> expect;  // the scaler type that --getscalertype must answer
   JobPosition position;
+  std::vector<JobPosition> word_positions;  // one for each of the words
+  JobPosition words_position;               // of their list; of the step when it is a read
 };
 
 struct JobPlace {

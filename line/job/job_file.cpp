@@ -162,12 +162,23 @@ void ReadRead(const TomlValue& step, JobStep& read, JobErrors& errors) {
   CheckRead(*value, *read.read, errors);
 }
 
+// Where a message about the words leads to.
+void FindWords(const TomlValue& table, JobStep& step) {
+  const TomlValue* const words = table.Find("zvisp");
+  step.words_position = words != nullptr ? words->position : step.position;
+  if (words == nullptr) return;
+  for (const TomlValue& word : words->items) {
+    step.word_positions.push_back(word.position);
+  }
+}
+
 void ReadSteps(const TomlMember& key, Job& job, JobErrors& errors) {
   if (!IsListOfTables(key, errors)) return;
   for (const TomlValue& table : key.value.items) {
     JobStep step;
     step.position = table.position;
     Read(table, "[[step]]", kStepKeys, step, errors);
+    FindWords(table, step);
     ReadRead(table, step, errors);
     CheckStep(table, step, errors);
     job.steps.push_back(step);

@@ -98,11 +98,17 @@ void TakeValue(const TomlMember& key, std::string& value, JobErrors& errors) {
 }
 
 void TakeValue(const TomlMember& key, bool& value, JobErrors& errors) {
+  if (key.value.kind == Kind::kText) {
+    return errors.push_back(WrongType(key, "true or false without quotes"));
+  }
   if (key.value.kind != Kind::kTruth) return errors.push_back(WrongType(key, "true or false"));
   value = key.value.truth;
 }
 
 void TakeValue(const TomlMember& key, std::uint32_t& value, JobErrors& errors) {
+  if (key.value.kind == Kind::kText) {
+    return errors.push_back(WrongType(key, "a whole number without quotes"));
+  }
   if (!IsWord(key.value)) return errors.push_back(WrongType(key, kWord));
   value = static_cast<std::uint32_t>(key.value.integer);
 }

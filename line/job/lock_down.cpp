@@ -3,7 +3,9 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 #include "base/path.h"
@@ -70,8 +72,8 @@ void Check::Compare(const JobFirmware& row, const FileFacts& facts) {
   if (facts.bytes != row.bytes) {
     Refuse("locked-bytes",
            "The file \"" + row.path + "\" has " + std::to_string(facts.bytes) +
-               " bytes, and the job allows only one of " + std::to_string(row.bytes) +
-               "; put the right file there, or correct the job.",
+               " bytes and the SHA-256 " + facts.sha256 + ", and the job allows only one of " +
+               std::to_string(row.bytes) + " bytes; put the right file there, or correct the job.",
            row.position);
   } else if (facts.sha256 != row.sha256) {
     Refuse("locked-hash",
@@ -99,18 +101,40 @@ LockDown Check::Take() {
   return std::move(m_result);
 }
 
+bool IsProgram(const std::string& path) {
+  return IsOrdinaryFile(path) && access(path.c_str(), X_OK) == 0;
+}
+
+// Without the variable, each system has directories of its own, which only a start knows.
+bool IsInPath(const std::string& program) {
+  const char* const path = std::getenv("PATH");
+  if (path == nullptr) return true;
+  std::istringstream directories(path);
+  for (std::string directory; std::getline(directories, directory, ':');) {
+    if (IsProgram((directory.empty() ? "." : directory) + "/" + program)) return true;
+  }
+  return false;
+}
+
 void CheckProgram(const std::vector<std::string>& words, const char* key, JobPosition position,
                   JobErrors& errors) {
-  if (words.empty() || words.front().find('/') == std::string::npos) return;
+  if (words.empty()) return;
   const std::string& program = words.front();
   // The unit may be in its name.
   if (program.find('{') != std::string::npos) return;
-  if (IsOrdinaryFile(program) && access(program.c_str(), X_OK) == 0) return;
-  errors.push_back({"hook-missing",
-                    "The program " + program + " of \"" + key +
-                        "\" is not a file that may be executed; check its name and its "
-                        "permissions.",
-                    position});
+  const std::string start = "The program " + program + " of \"" + key + "\" ";
+  if (program.find('/') == std::string::npos) {
+    if (IsInPath(program)) return;
+    errors.push_back({"hook-missing",
+                      start + "is not found in PATH; write ./" + program +
+                          " for a file next to the job, or the full path.",
+                      position});
+  } else if (!IsProgram(program)) {
+    errors.push_back({"hook-missing",
+                      start + "is not a file that may be executed; check its name and its "
+                              "permissions.",
+                      position});
+  }
 }
 
 }  // namespace

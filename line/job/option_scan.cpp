@@ -5,6 +5,8 @@
 #include <iterator>
 #include <string_view>
 
+#include "line/job/nearest_name.h"
+
 namespace line {
 
 namespace {
@@ -24,10 +26,24 @@ std::vector<const zvisp::OptionRow*> Candidates(std::string_view name) {
   return found;
 }
 
+// The option that was most likely meant, as a question; empty when none is near. After "--", a word
+// that is an option's name is none.
+std::string Meant(std::string_view word) {
+  if (!word.starts_with("--")) return "";
+  std::vector<std::string> names;
+  for (const zvisp::OptionRow& row : zvisp::kOptions) {
+    names.emplace_back(row.name);
+  }
+  const std::string nearest = NearestName(NameIn(word), names);
+  return nearest.empty() || nearest == NameIn(word) ? "" : "did you mean --" + nearest + "?";
+}
+
 Refusal NoOption(const std::string& word) {
-  return {
-      "not-an-option",
-      "The word " + word + " is not an option of zvisp; remove it, or check how it is written."};
+  const std::string meant = Meant(word);
+  return {"not-an-option",
+          "The word " + word + " is not an option of zvisp; " +
+              (meant.empty() ? "remove it, or check how it is written." : meant),
+          word};
 }
 
 // What is wrong with a word that the scanner cannot read.
@@ -35,14 +51,17 @@ Refusal WhyNot(const std::string& word, const std::vector<const zvisp::OptionRow
   if (candidates.empty()) return NoOption(word);
   const std::string name = candidates.front()->name;
   if (candidates.size() > 1) {
-    return {"ambiguous", "The option " + word + " could be --" + name + " or --" +
-                             candidates[1]->name + "; write the whole name."};
+    return {"ambiguous",
+            "The option " + word + " could be --" + name + " or --" + candidates[1]->name +
+                "; write the whole name.",
+            word};
   }
   if (candidates.front()->argument == zvisp::kRequiredArgument) {
-    return {"value-missing", "The option --" + name + " needs a value; give it after the name."};
+    return {"value-missing", "The option --" + name + " needs a value; give it after the name.",
+            word};
   }
   return {"value-not-taken",
-          "The option --" + name + " takes no value; remove the \"=\" and what follows it."};
+          "The option --" + name + " takes no value; remove the \"=\" and what follows it.", word};
 }
 
 // The scanner, and what it is asked to look at.

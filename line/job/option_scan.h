@@ -16,6 +16,7 @@ namespace line {
 // Why words are refused: a name for scripts, and one sentence that says what, where and what to do.
 struct Refusal {
   std::string id, text;
+  std::string word = {};  // the one that is wrong, when it is one alone
 };
 
 struct GivenOption {

@@ -44,6 +44,28 @@ bool HasItsLimits(std::string_view text, JobError& error) {
   return true;
 }
 
+struct Mistake {
+  std::string_view part;  // of the library's description
+  const char* todo;
+};
+
+// The mistakes that are made most often.
+constexpr Mistake kMistakes[] = {
+    {"could not determine value type",
+     "write a text in straight quotes, and true or false in small letters."},
+    {"control characters", "end the text by the quote that it begins with, in the same line."},
+    {"unknown escape sequence", "write each \\ twice, or the text in single quotes."},
+    {"cannot redefine existing table",
+     "write the table once, and each of several as [[step]] and [[place]] are."},
+};
+
+std::string WhatToDo(std::string_view description) {
+  for (const Mistake& mistake : kMistakes) {
+    if (description.find(mistake.part) != std::string_view::npos) return mistake.todo;
+  }
+  return "correct the line.";
+}
+
 TomlValue Converted(const toml::node& node);
 
 TomlValue Converted(const toml::table& table) {
@@ -110,7 +132,7 @@ bool ParseToml(std::string_view text, TomlValue& root, JobError& error) {
   const toml::parse_result result = toml::parse(text);
   if (!result) {
     const toml::parse_error& failure = result.error();
-    error = {"toml", CleanText(failure.description()) + "; correct the line.",
+    error = {"toml", CleanText(failure.description()) + "; " + WhatToDo(failure.description()),
              Begin(failure.source())};
     return false;
   }

@@ -104,15 +104,19 @@ TEST_F(CheckTest, AMistakeOfTheJobHasItsLineAndColumn) {
 
 TEST_F(CheckTest, WordsAreJudgedForTheirStep) {
   ExpectRefused("\"--isp\", ", "",
-                {"10:1: zvisp refuses its words: Action type undefined or illegal!"});
+                {"12:9: zvisp refuses its words: Action type undefined or illegal!"});
+  ExpectRefused("--bank1", "--bnak1",
+                {"12:37: The word --bnak1 is not an option of zvisp; did you mean --bank1?",
+                 "12:48: The word 8 is not an option of zvisp; remove it, or check how it is "
+                 "written."});
   ExpectRefused("\"8\"]", "\"8\", \"stray\"]\nallow_unsigned = true",
-                {"10:1: The word stray is not an option of zvisp; remove it, or check how it is "
+                {"12:53: The word stray is not an option of zvisp; remove it, or check how it is "
                  "written."});
   ExpectRefused("\"8\"]", "\"8\", \"--comparever\"]",
-                {"10:1: --comparever may leave the flash as it was, so it cannot be read back; "
+                {"12:9: --comparever may leave the flash as it was, so it cannot be read back; "
                  "leave one of the two out."});
   ExpectRefused("[line]", "[readback]\nignore = [\"0x80000-0x80000\"]\n[line]",
-                {"12:1: Every planned byte is in a range to be ignored; leave less of them out."});
+                {"14:9: Every planned byte is in a range to be ignored; leave less of them out."});
 }
 
 TEST_F(CheckTest, WhatIsWrongAtOnePlaceNamesIt) {
@@ -145,13 +149,14 @@ TEST_F(CheckTest, PlacesThatWriteOtherFilesHavePlansOfTheirOwn) {
 
 TEST_F(CheckTest, FilesAreHeldAgainstTheJob) {
   ExpectRefused("bytes = 1", "bytes = 2",
-                {"9:1: The file \"b.bin\" has 1 bytes, and the job allows only one of 2; put the "
-                 "right file there, or correct the job."});
+                {std::string("9:1: The file \"b.bin\" has 1 bytes and the SHA-256 ") + kOfB +
+                 ", and the job allows only one of 2 bytes; put the right file there, or correct "
+                 "the job."});
   ExpectRefused("3e23e816", "00000000",
                 {std::string("9:1: The file \"b.bin\" has the SHA-256 ") + kOfB +
                  ", which is not the job's; put the right file there, or correct the job."});
   ExpectRefused("\"b.bin\" =", "\"c.bin\" =",
-                {"10:1: The file " + m_tool.NextToJob("b.bin") +
+                {"12:9: The file " + m_tool.NextToJob("b.bin") +
                  " is not listed under [firmware]; add it there with its size and SHA-256."});
 }
 
@@ -179,12 +184,29 @@ TEST_F(CheckTest, ThePlugInIsHeldAgainstTheJob) {
                              testing::HasSubstr("which is not the job's; install the right one")));
   m_tool.Tool().WithIspPlugin(GivenFile(m_tool.Tool().Elsewhere("fake"), "b"));
   check = m_tool.Check();
-  EXPECT_EQ(check.status, 0) << check.out;
+  EXPECT_EQ(check.status, 3);
+  EXPECT_THAT(ErrorsIn(check.out), testing::ElementsAre(testing::HasSubstr(" is not a library; ")));
   const std::string gone = m_tool.Tool().Elsewhere("gone");
   EXPECT_EQ(ErrorsIn(m_tool.Check({"--plugins", gone}).out),
             (Words{"6:10: The plug-in " + gone +
                    "/PlugIn/libIsp.dylib cannot be read, so nobody knows whether it is the job's; "
                    "install it, or name its directory with --plugins."}));
+}
+
+TEST_F(CheckTest, APlugInThatNoPlaceCanLoadIsReportedOnce) {
+  m_tool.GivenJob(kJob);
+  const std::string gone = m_tool.Tool().Elsewhere("gone");
+  const Words sentence = {"The ISP plug-in " + gone +
+                          "/PlugIn/libIsp.dylib is missing; put the plug-in there, or give the "
+                          "right path."};
+  const RunResult check = m_tool.Check({"--plugins", gone});
+  EXPECT_EQ(check.status, 3);
+  EXPECT_EQ(ErrorsIn(check.out), sentence);
+  ExpectNothingTouched();
+  const RunResult batch = m_tool.Batch({"--plugins", gone, "--unit", "A1=ZP1", "--skip", "A2"});
+  EXPECT_EQ(batch.status, 3);
+  EXPECT_EQ(ErrorsIn(batch.out), sentence);
+  EXPECT_THAT(EventsOf(batch.out, "unit_result"), testing::IsEmpty());
 }
 
 TEST_F(CheckTest, AHookThatIsNotThereIsRefused) {

@@ -173,11 +173,13 @@ TEST_F(UnitRunOf, AWaitForTheInterfaceEndsInNoTimeOut) {
     EXPECT_TRUE(WaitUntil([this] { return EventsOf(Lines(), "wait").size() == kUnits; }));
     GivenFile(m_scratch / "go", "");
   });
-  for (const UnitEnd& end : Run(std::move(units)))
+  for (const UnitEnd& end : Run(std::move(units))) {
     EXPECT_EQ(end.outcome, Outcome::kPassed);
+  }
   release.join();
-  for (const pid_t holder : holders)
+  for (const pid_t holder : holders) {
     EXPECT_EQ(waitpid(holder, nullptr, 0), holder);
+  }
 }
 
 TEST_F(UnitRunOf, TheOtherHookGetsTheResult) {

@@ -69,9 +69,9 @@ TEST_F(LockDownTest, AnotherSizeOrHashIsRefusedAtItsRow) {
   Listed(m_file, kOfB, 2);
   Listed(m_file, kWrong, 1);
   EXPECT_THAT(Errors(), testing::ElementsAre(
-                            "10: The file \"" + m_file +
-                                "\" has 1 bytes, and the job allows only one of 2; put the right "
-                                "file there, or correct the job.",
+                            "10: The file \"" + m_file + "\" has 1 bytes and the SHA-256 " + kOfB +
+                                ", and the job allows only one of 2 bytes; put the right file "
+                                "there, or correct the job.",
                             "10: The file \"" + m_file + "\" has the SHA-256 " + kOfB +
                                 ", which is not the job's; put the right file there, or correct "
                                 "the job."));
@@ -118,6 +118,12 @@ TEST_F(LockDownTest, AHookMustBeAProgram) {
   m_job.hook.before_unit = {"/bin/sh"};
   m_job.hook.on_result = {"sh"};
   EXPECT_THAT(CheckHookPrograms(m_job), testing::IsEmpty());
+  m_job.hook.on_result = {"no-program-of-this-name"};
+  EXPECT_THAT(
+      Texts(CheckHookPrograms(m_job)),
+      testing::ElementsAre("22: The program no-program-of-this-name of \"on_result\" is not "
+                           "found in PATH; write ./no-program-of-this-name for a file next "
+                           "to the job, or the full path."));
 }
 
 TEST_F(LockDownTest, ThePlugInIsTheJobsOrAnyOne) {

@@ -112,10 +112,12 @@ std::string FlagBytes(int count) {
 // clang-format off
 const RefusalRow kRows[] = {
   // what zvisp refuses itself
-  {{},                                        {"zvisp refuses its words: Action type undefined or illegal!"}},
+  {{},                                        {"There are no words of zvisp; give them after \"--\"."}},
+  {{"--comm", "1"},                           {"zvisp refuses its words: Action type undefined or illegal!"}},
   {{"--isp", "--fw", "fw.bin", "--comm", "17"}, {"zvisp refuses its words: Parameter out of range! --comm 17"}},
   // what the scanner complains about, and words that are not options
   {{"--isp", "--fw", "fw.bin", "--frob"},     {NoOption("--frob")}},
+  {{"--isp", "--fw", "fw.bin", "--bnak"},     {"The word --bnak is not an option of zvisp; did you mean --bank?"}},
   {{"--isp", "--fw", "fw.bin", "-x"},         {NoOption("-x")}},
   {{"--isp", "--fw", "fw.bin", "-"},          {NoOption("-")}},
   {{"--isp", "--fw", "fw.bin", ""},           {NoOption("")}},
