@@ -29,19 +29,6 @@ ExitStatus Report(Session& session, ExitStatus status, std::string id, std::stri
   return status;
 }
 
-ExitStatus StatusOf(const UnitEnd& end) {
-  switch (end.outcome) {
-    case Outcome::kPassed:
-      return kExitPassed;
-    case Outcome::kRefused:
-      return kExitRefused;
-    case Outcome::kUnavailable:
-      return kExitUnavailable;
-    default:
-      return kExitFailed;
-  }
-}
-
 // One display: everything between the options and the exit status.
 class UnitCommand {
  public:
@@ -158,16 +145,8 @@ UnitRequest UnitCommand::Request() {
 }
 
 ExitStatus UnitCommand::Finish(const UnitEnd& end, int stop_signal) const {
-  const ExitStatus interrupted = StatusOfSignal(stop_signal);
-  if (!end.started) return end.interrupted ? interrupted : end.status;
-  ExitStatus status = StatusOf(end);
-  if (end.interrupted) status = interrupted;
-  // An untouched display needs no record: nothing has to be known about it.
-  if (!end.recorded && end.state != UnitState::kUntouched) {
-    status = Weightier(status, kExitNotRecorded);
-  }
-  // Last, because it counts more than every other status.
-  return end.state == UnitState::kUncertain ? kExitUncertain : status;
+  if (!end.started && !end.interrupted) return end.status;
+  return StatusOfUnits({end}, stop_signal, false);
 }
 
 ExitStatus UnitCommand::Run() {

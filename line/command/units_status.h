@@ -15,8 +15,8 @@ namespace line {
 // Of the operator's signal.
 ExitStatus StatusOfSignal(int signal);
 
-// The status of all units together, of which the first that applies in exit_status.h's order
-// counts. `stop_signal` is the operator's first one, 0 for none; with `hook_required`, a hook that
+// The status of all units together; the first that applies counts: uncertain, not recorded, the
+// signal, refused, unavailable (both only when no unit was touched), failed, passed. `stop_signal` is the operator's first one, 0 for none; with `hook_required`, a hook that
 // failed counts like a result that is not recorded.
 ExitStatus StatusOfUnits(const std::vector<UnitEnd>& ends, int stop_signal, bool hook_required);
 

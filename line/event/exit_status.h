@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The exit statuses of zvisp-line, and which of them counts when several apply.
+// The exit statuses of zvisp-line. Which of them counts when several apply: command/units_status.h.
 #ifndef ZVISP_LINE_EVENT_EXIT_STATUS_H_
 #define ZVISP_LINE_EVENT_EXIT_STATUS_H_
 
@@ -18,9 +18,6 @@ enum ExitStatus : int {
   kExitInterrupt = 130,
   kExitTerminate = 143,
 };
-
-// The one of the two that counts.
-ExitStatus Weightier(ExitStatus left, ExitStatus right);
 
 }  // namespace line
 

@@ -20,11 +20,17 @@ class JsonPrinter : public Printer {
   void Take(const Event& event) override { WriteText(stdout, ToJsonLine(event)); }
 };
 
-// Errors only.
+bool IsTrouble(const EventBody& body) {
+  const auto* const result = std::get_if<UnitResultEvent>(&body);
+  if (result != nullptr) return result->outcome != Outcome::kPassed;
+  return std::holds_alternative<ErrorEvent>(body);
+}
+
+// Errors, and the displays that did not pass: a display in doubt must be named to somebody.
 class QuietPrinter : public Printer {
  public:
   void Take(const Event& event) override {
-    if (!std::holds_alternative<ErrorEvent>(event.body)) return;
+    if (!IsTrouble(event.body)) return;
     for (const TextLine& line : LinesOf(event)) {
       WriteText(stderr, line.text + "\n");
     }

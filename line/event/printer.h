@@ -19,7 +19,7 @@ enum class When { kAuto, kAlways, kNever };
 
 struct PrinterOptions {
   bool json = false;
-  bool quiet = false;           // errors on standard error and nothing else
+  bool quiet = false;           // errors and units that did not pass, on standard error
   When progress = When::kAuto;  // kAuto: rows on a terminal, now and then a line elsewhere
   When color = When::kAuto;     // kAuto: on a terminal, unless NO_COLOR is set
 };

@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::uint32_t kMostReadBytes = 4096;
 constexpr std::size_t kLongestName = 128;
+// Each step is judged for each place before anything starts, and each verdict is a large record.
+constexpr std::size_t kMostSteps = 100;
 
 using Kind = TomlValue::Kind;
 
@@ -295,6 +297,11 @@ void CheckPlace(const TomlValue& table, const JobPlace& place, JobErrors& errors
 
 void CheckNamesOfSteps(const Job& job, JobErrors& errors) {
   RefuseDoubledNames(job.steps, "steps", errors);
+  if (job.steps.size() <= kMostSteps) return;
+  errors.push_back({"many-steps",
+                    "A job has at most 100 steps, and this one has " +
+                        std::to_string(job.steps.size()) + "; divide it into several jobs.",
+                    job.steps[kMostSteps].position});
 }
 
 void CheckPlaces(const Job& job, JobErrors& errors) {

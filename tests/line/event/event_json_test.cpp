@@ -4,7 +4,6 @@
 #include "line/event/event_json.h"
 
 #include "event/events.h"
-#include "line/event/exit_status.h"
 #include "line/event/session.h"
 #include "line/event/time_text.h"
 #include "line/support/kept_events.h"
@@ -190,14 +189,6 @@ TEST(TimeText, DurationsAreRoundedDown) {
   EXPECT_EQ(DurationText(3723000), "1:02:03");
 }
 
-TEST(ExitStatus, TheFirstThatAppliesCounts) {
-  const ExitStatus order[] = {kExitUncertain,   kExitNotRecorded, kExitInterrupt, kExitRefused,
-                              kExitUnavailable, kExitFailed,      kExitPassed};
-  for (std::size_t i = 0; i + 1 < std::size(order); ++i) {
-    EXPECT_EQ(Weightier(order[i], order[i + 1]), order[i]);
-    EXPECT_EQ(Weightier(order[i + 1], order[i]), order[i]);
-  }
-}
 
 }  // namespace
 }  // namespace line

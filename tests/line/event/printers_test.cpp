@@ -189,6 +189,19 @@ TEST(QuietPrinter, PrintsErrorsAndNothingElse) {
   EXPECT_EQ(printed.err, "zvisp-line: No step.\n");
 }
 
+TEST(QuietPrinter, NamesADisplayThatDidNotPass) {
+  const Printed printed = PrintedBy([] {
+    PrinterOptions options;
+    options.quiet = true;
+    UnitResultEvent result;
+    result.outcome = Outcome::kDifferent;
+    result.state = UnitState::kDifferent;
+    MakePrinter(options)->Take(At(0, result));
+  });
+  EXPECT_EQ(printed.out, "");
+  EXPECT_EQ(printed.err, "comm-3  ZP00000001  FAIL  different\n");
+}
+
 TEST(JsonPrinter, PrintsOnStandardOutputAlone) {
   const Printed printed = PrintedBy([] {
     PrinterOptions options;

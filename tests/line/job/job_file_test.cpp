@@ -3,6 +3,7 @@
 // What a job file says, and every sentence about one that is wrong.
 #include "line/job/job_file.h"
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -455,6 +456,23 @@ TEST(JobFileTest, NoRandomByteEndsTheReader) {
       EXPECT_GT(error.position.line, 0u);
     }
   }
+}
+
+TEST(JobFileTest, AHundredAndOneStepsAreTooMany) {
+  std::string text = kLeast;
+  const auto more = [](int step) {
+    return "[[step]]\nname = \"step " + std::to_string(step) +
+           "\"\nzvisp = [\"--getscalertype\"]\n";
+  };
+  for (int step = 2; step <= 100; ++step) {
+    text += more(step);
+  }
+  EXPECT_THAT(ErrorsOf(text), testing::IsEmpty());
+  const auto line = static_cast<int>(std::count(text.begin(), text.end(), '\n')) + 1;
+  EXPECT_THAT(ErrorsOf(text + more(101)),
+              testing::ElementsAre(std::to_string(line) +
+                                   ":1: A job has at most 100 steps, and this one has 101; divide "
+                                   "it into several jobs."));
 }
 
 TEST(JobFileTest, AFileHasItsPathItsDirectoryAndItsHash) {
