@@ -22,6 +22,7 @@
 #include "line/job/lock_down.h"
 #include "line/job/serials.h"
 #include "line/journal/journal.h"
+#include "line/journal/record_reader.h"
 #include "line/supervise/batch_run.h"
 #include "line/supervise/private_copies.h"
 #include "line/worker/library_file.h"
@@ -96,7 +97,11 @@ ExitStatus BatchCommand::ReadUnits() {
   }
   m_serials = ReadSerials(m_job, m_options.units, m_options.skip);
   // To ask the record writes its index, and a check touches nothing.
-  if (m_serials.errors.empty() && !m_options.check) AskRecord(m_job, m_data, m_serials);
+  if (!m_serials.errors.empty() || m_options.check) return Refuse(m_serials.errors);
+  // What cannot be read may say that a display has passed.
+  const std::string failure = m_job.once ? WhyRecordIsUnreadable(m_data) : "";
+  if (!failure.empty()) return NotAvailable("record", failure);
+  AskRecord(m_job, m_data, m_serials);
   return Refuse(m_serials.errors);
 }
 

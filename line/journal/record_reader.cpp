@@ -90,6 +90,16 @@ std::string ForEachRecordLine(const std::string& data_directory,
   return failure;
 }
 
+std::string WhyRecordIsUnreadable(const std::string& data_directory) {
+  if (data_directory.empty()) return kNoDataDirectory;
+  const std::string directory = RecordDirectory(data_directory);
+  for (const std::string& name : RecordFileNames(data_directory)) {
+    const MappedFile file(directory + "/" + name);
+    if (file.Failure() != 0) return CannotRead(directory + "/" + name, file.Failure());
+  }
+  return WhyNoNames(directory);
+}
+
 std::string_view TypeOfLine(std::string_view text) {
   if (text.substr(0, kLineStart.size()) != kLineStart || text.back() != '}') return {};
   const std::string_view type = text.substr(kLineStart.size());

@@ -36,6 +36,9 @@ class MappedFile {
   int m_failure;
 };
 
+// The failure that ForEachRecordLine would return, without reading a line.
+std::string WhyRecordIsUnreadable(const std::string& data_directory);
+
 // One line, without its newline. The views are valid during the call alone.
 struct RecordLine {
   std::string_view file;  // the name of the file

@@ -207,6 +207,8 @@ void StepRun::EndWorker(Outcome why, std::uint64_t now_ms) {
   m_ended_by_us = why;
   m_kill_at_ms = now_ms + kGraceMs;
   m_worker.Signal(SIGTERM);
+  // A process that stopped itself gets the other signal only when it continues.
+  m_worker.Signal(SIGCONT);
 }
 
 void StepRun::OnTick(std::uint64_t now_ms) {

@@ -113,6 +113,17 @@ TEST_F(BatchTest, ASerialThatPassedIsRefusedUntilItFails) {
   EXPECT_EQ(Batch("ZP3", "ZP4").status, 0);
 }
 
+TEST_F(BatchTest, ARecordThatCannotBeReadMayHoldAPass) {
+  EXPECT_EQ(Batch("ZP1", "ZP2").status, 0);
+  const std::string day = m_tool.DataDirectory() + "/journal/2026-01-01.jsonl";
+  std::filesystem::create_directory(day);
+  const RunResult run = Batch("ZP1", "ZP3");
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(FieldOf(EventOf(run.out, "error"), "text"),
+              testing::StartsWith("The record " + day + " cannot be read: "));
+  EXPECT_EQ(EventOf(run.out, "unit_start"), "");
+}
+
 TEST_F(BatchTest, AUnitThatWasNeverStartedIsNoAttempt) {
   std::string text = kJob;
   text += "[hook]\nbefore_unit = [\"./refuse\"]\n";
