@@ -16,8 +16,9 @@ namespace line {
 ExitStatus StatusOfSignal(int signal);
 
 // The status of all units together; the first that applies counts: uncertain, not recorded, the
-// signal, refused, unavailable (both only when no unit was touched), failed, passed. `stop_signal` is the operator's first one, 0 for none; with `hook_required`, a hook that
-// failed counts like a result that is not recorded.
+// signal, refused, unavailable (both only when no unit was touched), failed, passed. `stop_signal`
+// is the operator's first one, 0 for none; with `hook_required`, a hook that failed counts like a
+// result that is not recorded.
 ExitStatus StatusOfUnits(const std::vector<UnitEnd>& ends, int stop_signal, bool hook_required);
 
 // How many units ended how. Every outcome and every state has its count, 0 as well.

@@ -17,7 +17,8 @@ std::string Expanded(const std::string& text, const std::string& unit, const std
 std::vector<std::string> Expanded(std::vector<std::string> words, const std::string& unit,
                                   const std::string& place);
 
-// zvisp's words of a step, with the options of the place in front. REQUIRES: the step does not read.
+// zvisp's words of a step, with the options of the place in front. REQUIRES: the step does not
+// read.
 std::vector<std::string> WordsOf(const JobStep& step, const JobPlace& place,
                                  const std::string& unit);
 

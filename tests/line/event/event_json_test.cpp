@@ -189,6 +189,5 @@ TEST(TimeText, DurationsAreRoundedDown) {
   EXPECT_EQ(DurationText(3723000), "1:02:03");
 }
 
-
 }  // namespace
 }  // namespace line
