@@ -103,9 +103,9 @@ void OnMessage(wchar_t* text) {
   g_parent->SendOrDrop(Encode(message));
 }
 
-// `name` begins the scanner's messages, as it does in zvisp.
-JudgedWords Judge(std::string name, std::vector<std::string> texts) {
-  std::vector<char*> argv = {name.data()};
+// The first text is the name that begins the scanner's messages, as it does in zvisp.
+JudgedWords Judge(std::vector<std::string> texts) {
+  std::vector<char*> argv;
   for (std::string& text : texts) {
     argv.push_back(text.data());
   }
@@ -238,7 +238,8 @@ void WaitForGo(const char* name) {
     const std::optional<Frame> frame = g_parent->Receive();
     if (!frame) End();
     if (auto words = Decode<WordsMessage>(*frame)) {
-      if (!g_parent->Send(EncodeJudged(Judge(name, std::move(words->words))))) End();
+      words->words.insert(words->words.begin(), name);
+      if (!g_parent->Send(EncodeJudged(Judge(std::move(words->words))))) End();
     } else if (auto go = Decode<GoMessage>(*frame)) {
       // Without the lock there is no run, whatever became of the parent.
       if (g_parent->KeptFiles() == 0) End();
