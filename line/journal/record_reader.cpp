@@ -94,8 +94,10 @@ std::string WhyRecordIsUnreadable(const std::string& data_directory) {
   if (data_directory.empty()) return kNoDataDirectory;
   const std::string directory = RecordDirectory(data_directory);
   for (const std::string& name : RecordFileNames(data_directory)) {
-    const MappedFile file(directory + "/" + name);
-    if (file.Failure() != 0) return CannotRead(directory + "/" + name, file.Failure());
+    std::string path = directory;
+    path.append("/").append(name);
+    const MappedFile file(path);
+    if (file.Failure() != 0) return CannotRead(path, file.Failure());
   }
   return WhyNoNames(directory);
 }

@@ -106,6 +106,7 @@ void OnMessage(wchar_t* text) {
 // The first text is the name that begins the scanner's messages, as it does in zvisp.
 JudgedWords Judge(std::vector<std::string> texts) {
   std::vector<char*> argv;
+  argv.reserve(texts.size() + 1);
   for (std::string& text : texts) {
     argv.push_back(text.data());
   }
