@@ -325,7 +325,9 @@ TEST_F(CheckPlugin, NothingIsCheckedWhileARunHasAnInterface) {
   EXPECT_THAT(FieldOf(EventOf(check.out, "error"), "text"), HasSubstr("interface 3 is in use by"));
   EXPECT_THAT(EventsOf(check.out, "check"), IsEmpty());
   run.Kill(SIGTERM);
+  ASSERT_TRUE(WaitForOutput(run, "Nothing new is started"));
   run.Kill(SIGTERM);
+  EXPECT_EQ(run.Wait().status, 5);
 }
 
 TEST_F(CheckPlugin, ASignalEndsItAndWhatItHasStarted) {
