@@ -287,10 +287,6 @@ const ErrorRow kErrors[] = {
    {"4:11: The pattern of a serial is not a regular expression that can be used: it has a \"[\" without \"]\"; correct it."}},
   {"\"^ZP[0-9]{8}$\"", "\"(ZP\"",
    {"4:11: The pattern of a serial is not a regular expression that can be used: it has a \"(\" or \")\" without its other; correct it."}},
-  {"\"^ZP[0-9]{8}$\"", "\"a{99999}\"",
-   {"4:11: The pattern of a serial is not a regular expression that can be used: it has counts that are too large, or back-references; correct it."}},
-  {"\"^ZP[0-9]{8}$\"", "'(.)\\1'",
-   {"4:11: The pattern of a serial is not a regular expression that can be used: it has counts that are too large, or back-references; correct it."}},
   // values that cannot be meant
   {"jobs_at_once = 4", "jobs_at_once = 0",
    {"7:16: With \"jobs_at_once\" = 0 nothing would start; give at least 1."}},
